@@ -1,0 +1,222 @@
+#include "frame/interface.hpp"
+
+#include <cinttypes>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+#include "frame/errors.hpp"
+#include "kor/codes.h"
+
+extern "C" void y90haan_(CallbackContext *ctx) { *ctx = CallbackContext{}; }
+
+namespace kor::frame {
+
+namespace {
+
+const ExitInfo *find_exit(const RoutineInfo &info, int64_t message) {
+    for (int i = 0; i < info.nexits; ++i)
+        if (info.exits[i].message == message) return &info.exits[i];
+    return nullptr;
+}
+
+// Appends `piece` to a bounded buffer; `used` tracks the length.
+void append(char *out, int size, int &used, const char *piece, size_t n) {
+    const size_t room = size_t(size - 1 - used);
+    if (n > room) n = room;
+    std::memcpy(out + used, piece, n);
+    used += int(n);
+    out[used] = '\0';
+}
+
+// Copies `pattern` into out, replacing each "%s" by the next value and "%%"
+// by "%".  Values are inserted as text, never used as formats.
+void substitute(const char *pattern, const char *const *values, int nvalues, char *out, int size,
+                int &used) {
+    int next = 0;
+    for (const char *p = pattern; *p; ++p) {
+        if (p[0] == '%' && p[1] == 's') {
+            const char *v = next < nvalues ? values[next] : "";
+            ++next;
+            append(out, size, used, v, std::strlen(v));
+            ++p;
+        } else if (p[0] == '%' && p[1] == '%') {
+            append(out, size, used, "%", 1);
+            ++p;
+        } else {
+            append(out, size, used, p, 1);
+        }
+    }
+}
+
+void report_internal_error(const RoutineInfo &info, KorError *fail) {
+    p01acc_c(nullptr, NE_INTERNAL_ERROR, info.c_name, fail);
+}
+
+}  // namespace
+
+int format_real(double v, char *out, int size) {
+    if (std::isnan(v)) return std::snprintf(out, size_t(size), "NaN");
+    if (std::isinf(v)) return std::snprintf(out, size_t(size), v > 0 ? "Infinity" : "-Infinity");
+    for (int digits = 1; digits < 17; ++digits) {
+        std::snprintf(out, size_t(size), "%.*e", digits, v);
+        if (std::strtod(out, nullptr) == v) break;
+    }
+    return int(std::strlen(out));
+}
+
+void Record::write(const ExitInfo &exit, const RecordValue *values, int count) {
+    raised_ = true;
+    *outcome_ = exit.outcome;
+    if (length_ <= 0) return;
+    char buffer[record_length * 2];
+    int used = std::snprintf(buffer, sizeof buffer, "\x01%" PRId64 "\x01%" PRId64 "\x01%d\x01",
+                             exit.outcome, exit.message, count);
+    for (int i = 0; i < count; ++i) {
+        char field[40];
+        if (values[i].is_real)
+            format_real(values[i].real, field, sizeof field);
+        else
+            std::snprintf(field, sizeof field, "%" PRId64, values[i].integer);
+        used += std::snprintf(buffer + used, sizeof buffer - size_t(used), "%s\x01", field);
+    }
+    const size_t n = std::min<size_t>(size_t(used), size_t(length_ - 1));
+    std::memcpy(text_, buffer, n);
+    std::memset(text_ + n, ' ', size_t(length_ - 1) - n);
+    text_[length_ - 1] = '\0';
+}
+
+void clear_record(char *text) {
+    std::memset(text, ' ', record_length - 1);
+    text[record_length - 1] = '\0';
+}
+
+bool check_pointers(const RoutineInfo &info, std::initializer_list<NamedPointer> pointers,
+                    KorError *fail) {
+    for (const NamedPointer &p : pointers) {
+        if (p.pointer) continue;
+        char message[512];
+        std::snprintf(message, sizeof message, kor_errlist[NE_BAD_PARAM], p.name);
+        p01acc_c(message, NE_BAD_PARAM, info.c_name, fail);
+        return false;
+    }
+    return true;
+}
+
+void compose_c_message(const ExitInfo &exit, const char (*values)[26], int nvalues, char *out,
+                       int size) {
+    const char *texts[max_record_values];
+    for (int i = 0; i < nvalues && i < max_record_values; ++i) texts[i] = values[i];
+    int used = 0;
+    out[0] = '\0';
+    append(out, size, used, exit.code_name, std::strlen(exit.code_name));
+    append(out, size, used, ":\n  ", 4);
+    substitute(exit.c_text, texts, nvalues, out, size, used);
+}
+
+void report_c(const RoutineInfo &info, const char *text, int64_t outcome, KorError *fail) {
+    if (outcome == 0) return;
+    if (fail) fail->errnum = outcome;
+    if (outcome == -999) {
+        p01acc_c("NE_ALLOC_FAIL:\n  Dynamic memory allocation failed.", NE_ALLOC_FAIL,
+                 info.c_name, fail);
+        return;
+    }
+    int64_t scanned_outcome = 0, message = 0;
+    if (std::sscanf(text, "\x01%" SCNd64 "\x01%" SCNd64 "\x01", &scanned_outcome, &message) != 2)
+        return report_internal_error(info, fail);
+    const ExitInfo *exit = find_exit(info, message);
+    if (!exit) return report_internal_error(info, fail);
+
+    // The scanning template holds one 25-character conversion per value.
+    char pattern[64 + 16 * max_record_values];
+    int used = std::snprintf(pattern, 64, "\x01%%" SCNd64 "\x01%%" SCNd64 "\x01%%" SCNd64);
+    for (int i = 0; i < exit->nvalues; ++i) used += std::snprintf(pattern + used, 16, "\x01%%25[^\x01]");
+    char values[max_record_values][26] = {};
+    int64_t count = 0;
+    char *v[max_record_values];
+    for (int i = 0; i < max_record_values; ++i) v[i] = values[i];
+    const int scanned = std::sscanf(text, pattern, &scanned_outcome, &message, &count, v[0], v[1],
+                                    v[2], v[3], v[4], v[5], v[6], v[7], v[8], v[9], v[10], v[11]);
+    if (scanned < 3 + exit->nvalues) return report_internal_error(info, fail);
+
+    char composed[512];
+    compose_c_message(*exit, values, exit->nvalues, composed, sizeof composed);
+    p01acc_c(composed, exit->code, info.c_name, fail);
+}
+
+void report_fortran(const RoutineInfo &info, const char *text, int64_t outcome, int64_t *ifail) {
+    if (outcome == 0) {
+        *ifail = 0;
+        return;
+    }
+    constexpr int width = 80;
+    char lines[max_fortran_lines][width];
+    std::memset(lines, ' ', sizeof lines);
+    int64_t nlines = 0;
+    auto add_line = [&](const char *line) {
+        const size_t n = std::min<size_t>(std::strlen(line), width);
+        std::memcpy(lines[nlines++], line, n);
+    };
+
+    if (outcome == -999) {
+        add_line("** Dynamic memory allocation failed.");
+    } else {
+        int64_t message = 0, status = 0;
+        char fields[max_record_values][width];
+        p01abtn_(text, &message, &fields[0][0], &status, record_length, width);
+        const ExitInfo *exit = status == 0 ? find_exit(info, message) : nullptr;
+        if (!exit) {
+            char line[width + 1];
+            std::snprintf(line, sizeof line, "** Unexpected error (%5" PRId64 ",%5" PRId64 ")",
+                          outcome, message);
+            add_line(line);
+        } else {
+            char trimmed[max_record_values][width + 1];
+            const char *values[max_record_values];
+            for (int i = 0; i < max_record_values; ++i) {
+                int n = width;
+                while (n > 0 && fields[i][n - 1] == ' ') --n;
+                std::memcpy(trimmed[i], fields[i], size_t(n));
+                trimmed[i][n] = '\0';
+                values[i] = trimmed[i];
+            }
+            int consumed = 0;
+            for (int l = 0; l < exit->nlines; ++l) {
+                char line[2 * width];
+                int used = 0;
+                line[0] = '\0';
+                append(line, sizeof line, used, "** ", 3);
+                // Each line takes the values its own "%s" slots ask for, in order.
+                int slots = 0;
+                for (const char *p = exit->fortran_lines[l]; *p; ++p)
+                    if (p[0] == '%' && p[1] == 's') ++slots, ++p;
+                substitute(exit->fortran_lines[l], values + consumed, max_record_values - consumed,
+                           line, sizeof line, used);
+                consumed += slots;
+                add_line(line);
+            }
+        }
+    }
+    const size_t name_len = std::strlen(info.fortran_name);
+    p01abzu_(ifail, &outcome, info.fortran_name, &lines[0][0], &nlines, name_len, width);
+}
+
+}  // namespace kor::frame
+
+namespace kor::frame {
+
+void TextOut::assign(std::string_view text) const {
+    const size_t n = std::min<size_t>(text.size(), size_t(length > 0 ? length : 0));
+    std::memcpy(data, text.data(), n);
+    std::memset(data + n, ' ', size_t(length > 0 ? length : 0) - n);
+}
+
+void terminate_text(char *data, int64_t length) {
+    if (length < 0) return;
+    while (length > 0 && data[length - 1] == ' ') --length;
+    data[length] = '\0';
+}
+
+}  // namespace kor::frame

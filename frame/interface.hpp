@@ -1,0 +1,96 @@
+// The steps that every C and Fortran-style interface takes around its
+// engine.  Generated shells call these; routines differ only in the
+// RoutineInfo and the body that calls their entry layer.
+#pragma once
+
+#include <cstdint>
+#include <initializer_list>
+#include <new>
+
+#include "frame/context.hpp"
+#include "frame/errors.hpp"
+#include "frame/record.hpp"
+#include "kor/types.h"
+
+extern "C" {
+// One-time preparation of the unit table that records are written to.
+void f90_io_init(void);
+}
+
+namespace kor::frame {
+
+struct NamedPointer {
+    const char *name;
+    const void *pointer;
+};
+
+void clear_record(char *text);
+
+// Reports NE_BAD_PARAM for the first null pointer; true when all are set.
+bool check_pointers(const RoutineInfo &info, std::initializer_list<NamedPointer> pointers,
+                    KorError *fail);
+
+// Turn an engine's outcome and record into the C or the Fortran report.
+void report_c(const RoutineInfo &info, const char *text, int64_t outcome, KorError *fail);
+void report_fortran(const RoutineInfo &info, const char *text, int64_t outcome, int64_t *ifail);
+
+// Composes the C message of an exit from its value fields ("%s" slots).
+void compose_c_message(const ExitInfo &exit, const char (*values)[26], int nvalues,
+                       char *out, int size);
+
+template <class Body>
+void run_engine(const RoutineInfo &info, CallbackContext *ctx, char *text, int64_t length,
+                int64_t *outcome, Body &&body) {
+    Record rec(info, ctx, text, length, outcome);
+    try {
+        body(rec);
+        if (!rec.raised()) *outcome = 0;
+    } catch (const Abandon &) {
+        return;  // outcome and record stay as the interface left them
+    } catch (const std::bad_alloc &) {
+        *outcome = -999;
+    }
+    if (length > 0) text[length - 1] = '\0';
+}
+
+template <class Body>
+void c_interface(const RoutineInfo &info, KorError *fail,
+                 std::initializer_list<NamedPointer> pointers, Body &&body) {
+    f90_io_init();
+    if (fail) {
+        fail->code = 0;
+        fail->errnum = 0;
+    }
+    char text[record_length];
+    clear_record(text);
+    int64_t outcome = 1;
+    if (check_pointers(info, pointers, fail)) {
+        CallbackContext ctx;
+        y90haan_(&ctx);
+        body(&ctx, text, &outcome);
+        report_c(info, text, outcome, fail);
+    }
+    if (fail && fail->code == 0) p01acc_c(nullptr, 0, info.c_name, fail);
+}
+
+template <class Body>
+void fortran_interface(const RoutineInfo &info, int64_t *ifail, Body &&body) {
+    char text[record_length];
+    clear_record(text);
+    int64_t outcome = 1;
+    CallbackContext ctx;
+    y90haan_(&ctx);
+    body(&ctx, text, &outcome);
+    report_fortran(info, text, outcome, ifail);
+}
+
+// Routines that cannot fail (machine constants and the like) still pass a
+// context down their layers.
+template <class Body>
+auto plain_interface(Body &&body) {
+    CallbackContext ctx;
+    y90haan_(&ctx);
+    return body(&ctx);
+}
+
+}  // namespace kor::frame

@@ -1,0 +1,108 @@
+// How an engine reports: an outcome code and at most one error record text
+// ("\x01outcome\x01message\x01count\x01value\x01...").  Engines raise named
+// exits; only this file writes record bytes.
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+#include <type_traits>
+
+#include "frame/context.hpp"
+
+namespace kor::frame {
+
+inline constexpr char record_mark = '\x01';
+inline constexpr int max_record_values = 12;
+inline constexpr int max_fortran_lines = 8;
+
+// One exit of a routine as its definition file gives it.
+struct ExitInfo {
+    int64_t outcome;
+    int64_t message;
+    int code;                       // NE_/NW_ code of the C interface
+    const char *code_name;
+    const char *c_text;             // composed after "NAME:\n  "; %s takes a value
+    int nvalues;
+    int nlines;
+    const char *fortran_lines[max_fortran_lines];  // "** " is added; %s takes a value
+};
+
+struct RoutineInfo {
+    const char *c_name;             // "c05ayc": names the routine in C reports
+    const char *fortran_name;       // "C05AYF": names it in the ABNORMAL EXIT line
+    const ExitInfo *exits;
+    int nexits;
+};
+
+// Names one exit at compile time, so that an engine's raise is checked
+// against the values its definition promises.
+template <int Index, class... Values>
+struct ExitTag {
+    static constexpr int index = Index;
+};
+
+// Thrown by a user-function call when the context asks the engine to return
+// at once; caught by the engine layer, which leaves outcome and record alone.
+struct Abandon {};
+
+// A value field of a record: a real in exponent form or an integer.
+struct RecordValue {
+    bool is_real;
+    double real;
+    int64_t integer;
+    RecordValue(double v) : is_real(true), real(v), integer(0) {}
+    RecordValue(int64_t v) : is_real(false), real(0), integer(v) {}
+};
+
+// Writes the shortest exponent-form text that reads back as the same double.
+int format_real(double v, char *out, int size);
+
+class Record {
+public:
+    Record(const RoutineInfo &info, CallbackContext *ctx, char *text, int64_t length,
+           int64_t *outcome)
+        : info_(info), ctx_(ctx), text_(text), length_(length), outcome_(outcome) {}
+
+    template <class Tag, class... Args>
+    void raise(Args... args) {
+        raise_tagged(static_cast<Tag *>(nullptr), args...);
+    }
+
+    bool raised() const { return raised_; }
+    CallbackContext *context() const { return ctx_; }
+    const RoutineInfo &info() const { return info_; }
+
+private:
+    template <int Index, class... Values, class... Args>
+    void raise_tagged(ExitTag<Index, Values...> *, Args... args) {
+        static_assert(sizeof...(Values) == sizeof...(Args),
+                      "the exit carries a different number of values");
+        const RecordValue values[sizeof...(Values) + 1] = {RecordValue(Values(args))..., RecordValue(int64_t(0))};
+        write(info_.exits[Index], values, int(sizeof...(Values)));
+    }
+    void write(const ExitInfo &exit, const RecordValue *values, int count);
+
+    const RoutineInfo &info_;
+    CallbackContext *ctx_;
+    char *text_;
+    int64_t length_;
+    int64_t *outcome_;
+    bool raised_ = false;
+};
+
+}  // namespace kor::frame
+
+namespace kor::frame {
+
+// A character result in the Fortran manner: `length` characters, blank
+// padded, no terminator.
+struct TextOut {
+    char *data;
+    int64_t length;
+    void assign(std::string_view text) const;
+};
+
+// Ends a C caller's copy of a TextOut after its last non-blank character.
+void terminate_text(char *data, int64_t length);
+
+}  // namespace kor::frame

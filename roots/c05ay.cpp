@@ -1,0 +1,38 @@
+#include <cmath>
+
+#include "c05ay_def.hpp"
+#include "roots/brent.hpp"
+
+namespace kor::c05ay {
+
+// Drives the reverse-communication search with the absolute error test,
+// answering each request with a call of f.
+void engine(frame::Record &rec, double a, double b, double eps, double eta,
+            frame::UserFunction<frame::RealOfReal> &f, double &x) {
+    if (eps <= 0.0) return rec.raise<Exit::eps_not_positive>(eps);
+    if (a == b) return rec.raise<Exit::empty_interval>(a, b);
+    if (!(std::isfinite(a) && std::isfinite(b))) return rec.raise<Exit::ends_not_finite>(a, b);
+    const double fa = f(a), fb = f(b);
+    if (!roots::brackets_zero(fa, fb)) return rec.raise<Exit::no_sign_change>(fa, fb);
+
+    double c[KOR_C05AZ_LC];
+    double y = b, fx = fa;
+    int64_t ind = -1;
+    x = a;
+    for (;;) {
+        switch (roots::brent_step(x, y, fx, eps, 1, c, ind)) {
+        case roots::BrentStatus::evaluate:
+            fx = f(x);
+            if (std::fabs(fx) < eta || fx == 0.0) return;
+            break;
+        case roots::BrentStatus::probable_pole:
+            return rec.raise<Exit::probable_pole>();
+        case roots::BrentStatus::too_much_accuracy:
+            return rec.raise<Exit::eps_too_small>(eps);
+        default:  // finished: the arguments were checked above
+            return;
+        }
+    }
+}
+
+}  // namespace kor::c05ay
