@@ -624,6 +624,11 @@ def fortran_module(routines, constants, kinds):
 # ----------------------------------------------------------------------------
 # Reference documentation
 
+def md_cell(text):
+    """Text for a table cell: a bare | would end the cell."""
+    return text.replace("|", "\\|")
+
+
 def md_code(text):
     return "`" + text.replace("\n", "\\n") + "`"
 
@@ -637,7 +642,7 @@ def reference_page(chapter, title, routines, kinds):
         if r.description:
             out += [r.description, ""]
         ret = r.c_result_type or r.result_ctype
-        c_params = ",\n        ".join(r.c_params(kinds))
+        c_params = (",\n" + " " * (len(ret) + len(r.code) + 3)).join(r.c_params(kinds))
         out += ["C interface (also under the long name "
                 f"`{r.long}`):", "", "```c", f"{ret} {r.code}c({c_params});", "```", ""]
         fargs = ", ".join(r.fortran_arg_names())
@@ -655,7 +660,7 @@ def reference_page(chapter, title, routines, kinds):
                     t = {"real": "real", "int": "integer", "char": "character"}[a.type]
                 if a.is_array:
                     t += f" array ({a.dim})"
-                out.append(f"| `{a.name}` | {t} | {a.intent} | {a.doc} |")
+                out.append(f"| `{a.name}` | {t} | {a.intent} | {md_cell(a.doc)} |")
             out.append("")
         if r.callback:
             out += [f"User function `{r.callback.name}`: {kinds[r.callback.kind]['doc']}", ""]
