@@ -1,4 +1,5 @@
-# Runs the routine generator over every chapter's definition files.  It runs
+# Runs the routine generator over every chapter's definition files, and the
+# table generator over every chapter's published constants.  It runs
 # at configure time; editing a definition or the generator re-runs it.
 find_package(Python3 3.11 REQUIRED COMPONENTS Interpreter)
 
@@ -23,6 +24,24 @@ function(kor_generate_routines)
     message(FATAL_ERROR "routine generation failed")
   endif()
   file(STRINGS ${KOR_GENERATED_DIR}/shells.txt shells)
+
+  # Published constants (<chapter>/data/*.txt) become headers
+  # generated/src/tables/<name>.hpp in namespace kor::data::<name>.
+  foreach(chapter IN LISTS ARGN)
+    file(GLOB tables CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/${chapter}/data/*.txt)
+    foreach(table IN LISTS tables)
+      get_filename_component(stem ${table} NAME_WE)
+      set_property(DIRECTORY ${CMAKE_SOURCE_DIR} APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${table})
+      file(MAKE_DIRECTORY ${KOR_GENERATED_DIR}/src/tables)
+      execute_process(
+        COMMAND ${Python3_EXECUTABLE} ${CMAKE_SOURCE_DIR}/tools/tablegen.py ${table}
+                ${KOR_GENERATED_DIR}/src/tables/${stem}.hpp kor::data::${stem}
+        RESULT_VARIABLE status)
+      if(NOT status EQUAL 0)
+        message(FATAL_ERROR "table generation failed for ${table}")
+      endif()
+    endforeach()
+  endforeach()
   set(KOR_DEFINITIONS ${definitions} PARENT_SCOPE)
   set(KOR_SHELLS ${shells} PARENT_SCOPE)
   set(KOR_CHAPTER_SOURCES_DIRS ${ARGN} PARENT_SCOPE)

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <string>
 
 #include "frame/errors.hpp"
 #include "kor/codes.h"
@@ -75,10 +76,20 @@ void Record::write(const ExitInfo &exit, const RecordValue *values, int count) {
                              exit.outcome, exit.message, count);
     for (int i = 0; i < count; ++i) {
         char field[40];
-        if (values[i].is_real)
+        switch (values[i].kind) {
+        case RecordValue::real_value:
             format_real(values[i].real, field, sizeof field);
-        else
+            break;
+        case RecordValue::integer_value:
             std::snprintf(field, sizeof field, "%" PRId64, values[i].integer);
+            break;
+        case RecordValue::text_value:
+            // Marks and NULs would break the record; they are shown as '?'.
+            std::snprintf(field, sizeof field, "%.25s", std::string(values[i].text).c_str());
+            for (char *c = field; *c; ++c)
+                if (*c == record_mark) *c = '?';
+            break;
+        }
         used += std::snprintf(buffer + used, sizeof buffer - size_t(used), "%s\x01", field);
     }
     const size_t n = std::min<size_t>(size_t(used), size_t(length_ - 1));

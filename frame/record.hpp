@@ -45,13 +45,16 @@ struct ExitTag {
 // at once; caught by the engine layer, which leaves outcome and record alone.
 struct Abandon {};
 
-// A value field of a record: a real in exponent form or an integer.
+// A value field of a record: a real in exponent form, an integer, or a
+// short text (at most 25 characters reach a C report).
 struct RecordValue {
-    bool is_real;
-    double real;
-    int64_t integer;
-    RecordValue(double v) : is_real(true), real(v), integer(0) {}
-    RecordValue(int64_t v) : is_real(false), real(0), integer(v) {}
+    enum Kind { real_value, integer_value, text_value } kind;
+    double real = 0.0;
+    int64_t integer = 0;
+    std::string_view text;
+    RecordValue(double v) : kind(real_value), real(v) {}
+    RecordValue(int64_t v) : kind(integer_value), integer(v) {}
+    RecordValue(std::string_view v) : kind(text_value), text(v) {}
 };
 
 // Writes the shortest exponent-form text that reads back as the same double.

@@ -50,16 +50,24 @@ class Arg:
         self.kind = spec.get("kind")
         self.nullable = spec.get("nullable", False)
         self.c_length = spec.get("c_length")
+        self.letters = spec.get("letters")
         if self.type not in TYPES:
             raise DefinitionError(f"{routine}: argument {self.name}: unknown type {self.type}")
         if self.intent not in INTENTS:
             raise DefinitionError(f"{routine}: argument {self.name}: unknown intent {self.intent}")
+        if self.letters and (self.type != "char" or not self.c_type):
+            raise DefinitionError(f"{routine}: {self.name}: letters go with a char and a C enum")
         if self.type == "enum" and not self.c_type:
             raise DefinitionError(f"{routine}: enum argument {self.name} needs c_type")
         if self.type == "userfn" and not self.kind:
             raise DefinitionError(f"{routine}: user function {self.name} needs kind")
         if self.type == "char" and self.intent != "in" and not self.c_length:
             raise DefinitionError(f"{routine}: character output {self.name} needs c_length")
+
+    @property
+    def is_letter(self):
+        """A one-letter code: CHARACTER(1) in Fortran, an enumeration in C."""
+        return bool(self.letters)
 
     @property
     def is_text_out(self):
@@ -75,6 +83,8 @@ class Arg:
 
     @property
     def is_pointer_in_c(self):
+        if self.is_letter:
+            return False
         return self.is_array or self.intent != "in" or self.type in ("char", "userfn")
 
     # -- the internal layers (ft_, fv_, fn_): everything by reference
@@ -95,6 +105,8 @@ class Arg:
             return kinds[self.kind]["c_decl"].format(name=self.name)
         if self.is_text_out:
             return f"char *{self.name}, int64_t {self.c_length}"
+        if self.is_letter:
+            return f"{self.c_type} {self.name}"
         if self.type == "char":
             return f"const char *{self.name}"
         base = self.c_type if self.type == "enum" else self.scalar_type
@@ -126,6 +138,8 @@ class Arg:
             return f"frame::UserFunction<frame::{kinds[self.kind]['cpp']}> &{self.name}"
         if self.is_text_out:
             return f"frame::TextOut {self.name}"
+        if self.is_letter:
+            return f"char {self.name}"
         if self.type == "char":
             return f"std::string_view {self.name}"
         if self.is_array:
@@ -140,6 +154,8 @@ class Arg:
             return f"{self.name}_call"
         if self.is_text_out:
             return f"frame::TextOut{{{self.name}, {self.name}_len}}"
+        if self.is_letter:
+            return f"({self.name}_len > 0 ? *{self.name} : ' ')"
         if self.type == "char":
             return f"std::string_view({self.name}, size_t({self.name}_len))"
         if self.is_array:
@@ -160,16 +176,20 @@ class Exit:
         for v in spec.get("values", []):
             if ":" in v:
                 name, vtype = v.split(":")
+                if vtype not in ("real", "int", "text"):
+                    raise DefinitionError(f"{routine}: exit {self.name}: value type {vtype}")
             else:
                 name = v
                 match = [a for a in args if a.name == name]
                 if not match:
                     raise DefinitionError(f"{routine}: exit {self.name}: value {v} needs a type")
-                vtype = "int" if match[0].type in ("int", "enum") else "real"
+                vtype = {"int": "int", "enum": "int", "char": "text"}.get(match[0].type, "real")
             self.values.append((name, vtype))
         slots_c = self.c.count("%s")
         slots_f = sum(line.count("%s") for line in self.fortran)
-        if slots_c != len(self.values) or slots_f != len(self.values):
+        # A C text may leave out trailing values (a C caller passed an
+        # enumeration where the Fortran caller passed the letter shown).
+        if slots_c > len(self.values) or slots_f != len(self.values):
             raise DefinitionError(f"{routine}: exit {self.name}: {len(self.values)} values but "
                                   f"{slots_c} C and {slots_f} Fortran slots")
         if len(self.fortran) > 8:
@@ -370,7 +390,8 @@ def def_header(r, kinds):
     out.append("// The exits an engine may raise, with the types of the values they carry.")
     out.append("struct Exit {")
     for i, e in enumerate(r.exits):
-        types = "".join(", " + ("double" if t == "real" else "int64_t") for _, t in e.values)
+        cpp_types = {"real": "double", "int": "int64_t", "text": "std::string_view"}
+        types = "".join(", " + cpp_types[t] for _, t in e.values)
         out.append(f"    using {e.name} = frame::ExitTag<{i}{types}>;")
     out.append("};")
     out.append("")
@@ -495,6 +516,12 @@ def shell(r, kinds):
         elif a.type == "enum" and not a.is_array and a.intent == "in":
             prelude.append(f"const int64_t {a.name}_value = int64_t({a.name});")
             entry.append(f"&{a.name}_value")
+        elif a.is_letter:
+            # The enumeration's values stand for the letters in order.
+            prelude.append(f'const char {a.name}_letter = uint32_t({a.name}) < {len(a.letters)}u ? '
+                           f'"{a.letters}"[{a.name}] : \'?\';')
+            prelude.append(f"const int64_t {a.name}_len = 1;")
+            entry.append(f"&{a.name}_letter")
         elif a.is_text_out:
             # Room for the terminating NUL that C callers expect.
             prelude.append(f"const int64_t {a.name}_len = {a.c_length} > 0 ? {a.c_length} - 1 : 0;")

@@ -1,0 +1,51 @@
+// The inverse of the standard normal distribution by Wichura's algorithm
+// AS 241 (PPND16), relative accuracy about 1e-16.  One implementation serves
+// the normal deviates and the normal variate generator.
+#pragma once
+
+#include <algorithm>
+#include <cmath>
+
+#include "tables/inverse_normal_as241.hpp"
+
+namespace kor::specfun {
+
+namespace detail {
+
+// c[0] + c[1] r + ... + c[7] r^7 by Horner's rule.
+inline double numerator(const double (&c)[8], double r) {
+    double s = c[7];
+    for (int i = 6; i >= 0; --i) s = s * r + c[i];
+    return s;
+}
+
+// 1 + d[0] r + ... + d[6] r^7 (the published d1..d7; d0 = 1).
+inline double denominator(const double (&d)[7], double r) {
+    double s = d[6];
+    for (int i = 5; i >= 0; --i) s = s * r + d[i];
+    return s * r + 1.0;
+}
+
+}  // namespace detail
+
+// z with Φ(z) = p, for 0 < p < 1.
+inline double inverse_normal(double p) {
+    namespace t = data::inverse_normal_as241;
+    const double q = p - 0.5;
+    if (std::fabs(q) <= t::SPLIT1) {
+        const double r = t::CONST1 - q * q;
+        return q * detail::numerator(t::a, r) / detail::denominator(t::b, r);
+    }
+    double r = std::sqrt(-std::log(std::min(p, 1.0 - p)));
+    double z;
+    if (r <= t::SPLIT2) {
+        r -= t::CONST2;
+        z = detail::numerator(t::c, r) / detail::denominator(t::d, r);
+    } else {
+        r -= t::SPLIT2;
+        z = detail::numerator(t::e, r) / detail::denominator(t::f, r);
+    }
+    return q < 0.0 ? -z : z;
+}
+
+}  // namespace kor::specfun
