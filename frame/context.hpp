@@ -21,8 +21,9 @@ struct CallbackContext {
     int32_t reserved12 = 0;
 };
 
-// Resets a context to the values every call starts from.
-void y90haan_(CallbackContext *ctx);
+// Resets a context to the values every call starts from.  Inline because
+// every call pays for it; the symbol is still emitted (frame/interface.cpp).
+inline void y90haan_(CallbackContext *ctx) { *ctx = CallbackContext{}; }
 
 // A user function of any kind, its type erased; each callback kind knows
 // its real signature.

@@ -55,7 +55,10 @@ void p01acc_c(const char *text, int code, const char *routine, KorError *fail) {
     }
     fail->code = code;
     if (fail->handler) fail->handler(text, code, routine);
-    std::snprintf(fail->message, sizeof fail->message, "%s", text);
+    // Every successful call ends here, so the copy is kept cheap.
+    const size_t n = strnlen(text, sizeof fail->message - 1);
+    std::memcpy(fail->message, text, n);
+    fail->message[n] = '\0';
 }
 
 void p01abzu_(int64_t *ifail, const int64_t *outcome, const char *routine, const char *lines,

@@ -10,7 +10,9 @@
 #include "frame/errors.hpp"
 #include "kor/codes.h"
 
-extern "C" void y90haan_(CallbackContext *ctx) { *ctx = CallbackContext{}; }
+// An out-of-line copy of the inline context initialiser, for callers
+// outside C++.
+[[gnu::used]] static void (*const keep_y90haan)(CallbackContext *) = y90haan_;
 
 namespace kor::frame {
 
@@ -98,21 +100,10 @@ void Record::write(const ExitInfo &exit, const RecordValue *values, int count) {
     text_[length_ - 1] = '\0';
 }
 
-void clear_record(char *text) {
-    std::memset(text, ' ', record_length - 1);
-    text[record_length - 1] = '\0';
-}
-
-bool check_pointers(const RoutineInfo &info, std::initializer_list<NamedPointer> pointers,
-                    KorError *fail) {
-    for (const NamedPointer &p : pointers) {
-        if (p.pointer) continue;
-        char message[512];
-        std::snprintf(message, sizeof message, kor_errlist[NE_BAD_PARAM], p.name);
-        p01acc_c(message, NE_BAD_PARAM, info.c_name, fail);
-        return false;
-    }
-    return true;
+void report_null_pointer(const RoutineInfo &info, const char *name, KorError *fail) {
+    char message[512];
+    std::snprintf(message, sizeof message, kor_errlist[NE_BAD_PARAM], name);
+    p01acc_c(message, NE_BAD_PARAM, info.c_name, fail);
 }
 
 void compose_c_message(const ExitInfo &exit, const char (*values)[26], int nvalues, char *out,

@@ -3,7 +3,9 @@
 // RoutineInfo and the body that calls their entry layer.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
+#include <cstring>
 #include <initializer_list>
 #include <new>
 
@@ -18,17 +20,34 @@ void f90_io_init(void);
 }
 
 namespace kor::frame {
+// Set once the unit table is ready: every C interface tests it inline.
+extern std::atomic<bool> io_ready;
+}
+
+namespace kor::frame {
 
 struct NamedPointer {
     const char *name;
     const void *pointer;
 };
 
-void clear_record(char *text);
+inline void clear_record(char *text) {
+    std::memset(text, ' ', record_length - 1);
+    text[record_length - 1] = '\0';
+}
+
+void report_null_pointer(const RoutineInfo &info, const char *name, KorError *fail);
 
 // Reports NE_BAD_PARAM for the first null pointer; true when all are set.
-bool check_pointers(const RoutineInfo &info, std::initializer_list<NamedPointer> pointers,
-                    KorError *fail);
+inline bool check_pointers(const RoutineInfo &info, std::initializer_list<NamedPointer> pointers,
+                           KorError *fail) {
+    for (const NamedPointer &p : pointers)
+        if (!p.pointer) {
+            report_null_pointer(info, p.name, fail);
+            return false;
+        }
+    return true;
+}
 
 // Turn an engine's outcome and record into the C or the Fortran report.
 void report_c(const RoutineInfo &info, const char *text, int64_t outcome, KorError *fail);
@@ -53,10 +72,19 @@ void run_engine(const RoutineInfo &info, CallbackContext *ctx, char *text, int64
     if (length > 0) text[length - 1] = '\0';
 }
 
+// The report that closes every successful C call: kept inline and free of
+// any search, since it is paid on every call.
+inline void report_success(const RoutineInfo &info, KorError *fail) {
+    static constexpr char text[] = "NE_NOERROR:\n  No error.";
+    fail->code = 0;
+    if (fail->handler) fail->handler(text, 0, info.c_name);
+    std::memcpy(fail->message, text, sizeof text);
+}
+
 template <class Body>
 void c_interface(const RoutineInfo &info, KorError *fail,
                  std::initializer_list<NamedPointer> pointers, Body &&body) {
-    f90_io_init();
+    if (!io_ready.load(std::memory_order_relaxed)) f90_io_init();
     if (fail) {
         fail->code = 0;
         fail->errnum = 0;
@@ -68,9 +96,9 @@ void c_interface(const RoutineInfo &info, KorError *fail,
         CallbackContext ctx;
         y90haan_(&ctx);
         body(&ctx, text, &outcome);
-        report_c(info, text, outcome, fail);
+        if (outcome != 0) report_c(info, text, outcome, fail);
     }
-    if (fail && fail->code == 0) p01acc_c(nullptr, 0, info.c_name, fail);
+    if (fail && fail->code == 0) report_success(info, fail);
 }
 
 template <class Body>
@@ -81,7 +109,10 @@ void fortran_interface(const RoutineInfo &info, int64_t *ifail, Body &&body) {
     CallbackContext ctx;
     y90haan_(&ctx);
     body(&ctx, text, &outcome);
-    report_fortran(info, text, outcome, ifail);
+    if (outcome == 0)
+        *ifail = 0;
+    else
+        report_fortran(info, text, outcome, ifail);
 }
 
 // Routines that cannot fail (machine constants and the like) still pass a

@@ -12,8 +12,6 @@ namespace kor::frame {
 
 namespace {
 
-std::atomic<int64_t> trace_switch{0};
-
 std::string real_text(double v) {
     char buffer[40];
     format_real(v, buffer, sizeof buffer);
@@ -45,7 +43,7 @@ void write_array(int64_t unit, const TraceArg &arg, Text text) {
 
 }  // namespace
 
-bool trace_on() { return trace_switch.load(std::memory_order_relaxed) != 0; }
+std::atomic<int64_t> trace_switch{0};
 
 void write_trace(const char *layer, const char *moment, std::initializer_list<TraceArg> args) {
     const int64_t unit = units::advisory_unit();

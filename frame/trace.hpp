@@ -2,6 +2,7 @@
 // writes every argument by name on entry and on exit, to the advisory unit.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <initializer_list>
 
@@ -14,7 +15,9 @@ void y90gcft_(const int64_t *value);
 
 namespace kor::frame {
 
-bool trace_on();
+// The switch itself; read on every call, so the test is inline.
+extern std::atomic<int64_t> trace_switch;
+inline bool trace_on() { return trace_switch.load(std::memory_order_relaxed) != 0; }
 
 struct TraceArg {
     enum Kind { real, integer, real_array, integer_array, text, address } kind;

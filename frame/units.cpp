@@ -1,10 +1,13 @@
 #include "frame/units.hpp"
 
+#include <dlfcn.h>
+
 #include <atomic>
 #include <map>
 #include <mutex>
 
 #include "frame/interface.hpp"
+#include "frame/trace.hpp"
 
 namespace kor::frame::units {
 
@@ -28,6 +31,18 @@ UnitTable &table() {
     return instance;
 }
 
+// A Fortran program writes to its preconnected units (0 and 6) through its
+// own runtime's buffer.  When that runtime is in the process, its buffer is
+// flushed before a record goes to the same stream, so that lines keep the
+// order in which they were written.
+void flush_fortran_runtime(int64_t unit) {
+    using Flush = void (*)(int32_t *);
+    static const Flush flush = reinterpret_cast<Flush>(dlsym(RTLD_DEFAULT, "_gfortran_flush_i4"));
+    if (!flush || (unit != standard_output && unit != standard_error)) return;
+    int32_t number = int32_t(unit);
+    flush(&number);
+}
+
 std::atomic<int64_t> error_unit_number{standard_output};
 std::atomic<int64_t> advisory_unit_number{standard_output};
 
@@ -43,6 +58,7 @@ bool write_record(int64_t unit, std::string_view record) {
     size_t length = record.size();
     while (length > 0 && (record[length - 1] == ' ' || record[length - 1] == '\0')) --length;
     const std::string_view text = length ? record.substr(0, length) : std::string_view(" ");
+    flush_fortran_runtime(unit);
     UnitTable &t = table();
     std::lock_guard<std::mutex> guard(t.lock);
     auto it = t.units.find(unit);
@@ -97,4 +113,11 @@ std::FILE *stream_of(int64_t unit) {
 
 }  // namespace kor::frame::units
 
-extern "C" void f90_io_init(void) { (void)kor::frame::units::table(); }
+namespace kor::frame {
+std::atomic<bool> io_ready{false};
+}
+
+extern "C" void f90_io_init(void) {
+    (void)kor::frame::units::table();
+    kor::frame::io_ready.store(true, std::memory_order_release);
+}

@@ -452,7 +452,10 @@ def shell(r, kinds):
            "#include <cstring>", "",
            '#include "frame/interface.hpp"', '#include "frame/trace.hpp"',
            f'#include "{code}_def.hpp"', "",
-           "#define KOR_EXPORT __attribute__((visibility(\"default\")))", "",
+           "#define KOR_EXPORT __attribute__((visibility(\"default\")))",
+           "// The layers below an interface are folded into it: they stay as symbols",
+           "// of their own, but a call does not pay for each hop.",
+           "#define KOR_FLATTEN __attribute__((flatten))", "",
            "using namespace kor;", f"namespace def = kor::{code};", "",
            'extern "C" {', ""]
 
@@ -482,6 +485,7 @@ def shell(r, kinds):
 
     # trace and entry layers
     out.append(f"void {code}fv_({params}) {{")
+    out.append(f"    if (!frame::trace_on()) return {code}fn_({names});")
     out.append(f'    frame::traced("{code}fv", [&] {{ {code}fn_({names}); }},')
     out.append("                  {" + ",\n                   ".join(trace_args(r)) + "});")
     out.append("}")
@@ -545,7 +549,7 @@ def shell(r, kinds):
                           for a in r.args if a.is_text_out)
     checked = [a for a in r.args if a.is_pointer_in_c and not a.nullable]
 
-    out.append(f"KOR_EXPORT {ret} {code}c({c_params}) {{")
+    out.append(f"KOR_EXPORT KOR_FLATTEN {ret} {code}c({c_params}) {{")
     if r.result:
         out.append(f"    {r.result_ctype} result = 0;")
     if r.fail:
@@ -588,7 +592,7 @@ def shell(r, kinds):
     if r.fail:
         entry.append("frame::record_length")
     entry_call = f"{code}ft_({', '.join(entry)});"
-    out.append(f"KOR_EXPORT {r.result_ctype} {code}f_({f_params}) {{")
+    out.append(f"KOR_EXPORT KOR_FLATTEN {r.result_ctype} {code}f_({f_params}) {{")
     if r.result:
         out.append(f"    {r.result_ctype} result = 0;")
     if r.fail:
