@@ -141,7 +141,7 @@ void report_c(const RoutineInfo &info, const char *text, int64_t outcome, KorErr
     for (int i = 0; i < max_record_values; ++i) v[i] = values[i];
     const int scanned = std::sscanf(text, pattern, &scanned_outcome, &message, &count, v[0], v[1],
                                     v[2], v[3], v[4], v[5], v[6], v[7], v[8], v[9], v[10], v[11]);
-    if (scanned < 3 + exit->nvalues) return report_internal_error(info, fail);
+    if (scanned < 3 + exit->nvalues || count != exit->nvalues) return report_internal_error(info, fail);
 
     char composed[512];
     compose_c_message(*exit, values, exit->nvalues, composed, sizeof composed);

@@ -1,6 +1,7 @@
 #include "frame/units.hpp"
 
 #include <dlfcn.h>
+#include <sys/stat.h>
 
 #include <atomic>
 #include <map>
@@ -86,6 +87,12 @@ int64_t open_file(const char *path, OpenMode mode) {
     const char *how = mode == OpenMode::read ? "r" : mode == OpenMode::write ? "w" : "a";
     std::FILE *stream = std::fopen(path, how);
     if (!stream) return -1;
+    // A directory opens for reading on Linux but holds no records.
+    struct stat status;
+    if (fstat(fileno(stream), &status) != 0 || S_ISDIR(status.st_mode)) {
+        std::fclose(stream);
+        return -1;
+    }
     UnitTable &t = table();
     std::lock_guard<std::mutex> guard(t.lock);
     int64_t unit = first_file_unit;

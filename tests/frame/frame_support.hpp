@@ -1,11 +1,9 @@
 // Helpers shared by the frame tests: scratch files, saved process-wide
-// settings, and the declarations of the C-side companions that no public
-// header carries.
+// settings, and the C-side companions that no public header declares.
 #pragma once
 
 #include <gtest/gtest.h>
 #include <stdlib.h>
-#include <unistd.h>
 
 #include <cstdint>
 #include <cstdio>
@@ -27,10 +25,7 @@ void x04aaz(const char *text);
 
 namespace kor::test {
 
-inline KorError fresh_error() {
-    KorError e = KOR_ERROR_INIT;
-    return e;
-}
+inline KorError fresh_error() { return KorError KOR_ERROR_INIT; }
 
 // A directory of its own under /tmp, removed with its files at the end.
 class ScratchDir {
@@ -60,19 +55,18 @@ inline void write_file(const std::string &path, const std::string &text) {
     std::ofstream(path, std::ios::binary) << text;
 }
 
-// Restores the error and advisory units and the trace switch on scope exit,
+// Puts the error and advisory units and the trace switch back on scope exit,
 // so that a failing test leaves the process as it found it.
 class SettingsGuard {
 public:
-    SettingsGuard()
-        : error_(frame::units::error_unit()), advisory_(frame::units::advisory_unit()) {
+    SettingsGuard() : error_(frame::units::error_unit()), advisory_(frame::units::advisory_unit()) {
         const int64_t get = 0;
         y90gczn_(&get, &trace_);
     }
     ~SettingsGuard() {
+        const int64_t set = 1;
         frame::units::set_error_unit(error_);
         frame::units::set_advisory_unit(advisory_);
-        const int64_t set = 1;
         y90gczn_(&set, &trace_);
     }
 
@@ -80,7 +74,6 @@ private:
     int64_t error_, advisory_, trace_ = 0;
 };
 
-// Opens `path` through the library; fails the test when it cannot.
 inline int64_t open_unit(const std::string &path, int64_t mode) {
     KorError fail = fresh_error();
     int64_t unit = -1;

@@ -26,7 +26,7 @@ const Row *row_of(int code) {
     return nullptr;
 }
 
-TEST(Messages, EveryEntryIsNameColonNewlineTwoBlanksText) {
+TEST(frameMessages, EveryEntryIsNameColonNewlineTwoBlanksText) {
     int present = 0;
     for (int code = 0; code < KOR_ERRLIST_SIZE; ++code) {
         SCOPED_TRACE(code);
@@ -49,14 +49,17 @@ TEST(Messages, EveryEntryIsNameColonNewlineTwoBlanksText) {
         EXPECT_TRUE(std::strncmp(row->name, "NE_", 3) == 0 || std::strncmp(row->name, "NW_", 3) == 0);
         // Further lines start with a newline and two blanks; the published
         // NE_ARG_INVALID text is the one exception.
-        for (size_t at = text.find('\n'); at != std::string::npos; at = text.find('\n', at + 1))
-            if (code != NE_ARG_INVALID) EXPECT_EQ(text.compare(at, 3, "\n  "), 0) << text;
+        for (size_t at = text.find('\n'); at != std::string::npos; at = text.find('\n', at + 1)) {
+            if (code != NE_ARG_INVALID) {
+                EXPECT_EQ(text.compare(at, 3, "\n  "), 0) << text;
+            }
+        }
     }
     EXPECT_EQ(present, int(sizeof rows / sizeof rows[0]));
     EXPECT_EQ(present, KOR_ERRLIST_SIZE - 2);
 }
 
-TEST(Messages, ListedRangeAndWarnings) {
+TEST(frameMessages, ListedRangeAndWarnings) {
     int warnings = 0, listed = 0;
     for (const Row &r : rows) {
         if (r.code > 745) continue;
@@ -77,7 +80,7 @@ TEST(Messages, ListedRangeAndWarnings) {
     for (const auto &a : anchors) EXPECT_EQ(a.value, a.code);
 }
 
-TEST(Messages, PublishedRowsByteForByte) {
+TEST(frameMessages, PublishedRowsByteForByte) {
     const struct { int code; const char *text; } published[] = {
         {0, "NE_NOERROR:\n  No error."},
         {1, "NE_CODE_NOT_SET:\n  Error code has not been set by the last function called."},
