@@ -130,6 +130,7 @@ void report_c(const RoutineInfo &info, const char *text, int64_t outcome, KorErr
         return report_internal_error(info, fail);
     const ExitInfo *exit = find_exit(info, message);
     if (!exit) return report_internal_error(info, fail);
+    if (exit->c_success) return;
 
     // The scanning template holds one 25-character conversion per value.
     char pattern[64 + 16 * max_record_values];

@@ -25,6 +25,7 @@ struct ExitInfo {
     int nvalues;
     int nlines;
     const char *fortran_lines[max_fortran_lines];  // "** " is added; %s takes a value
+    bool c_success = false;         // the C interface reports success instead
 };
 
 struct RoutineInfo {

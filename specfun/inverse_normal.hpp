@@ -28,7 +28,8 @@ inline double denominator(const double (&d)[7], double r) {
 
 }  // namespace detail
 
-// z with Φ(z) = p, for 0 < p < 1.
+// z with Φ(z) = p, for 0 < p < 1; p = 0 and p = 1 are taken as the smallest
+// normalised double away from the end.
 inline double inverse_normal(double p) {
     namespace t = data::inverse_normal_as241;
     const double q = p - 0.5;
@@ -36,7 +37,9 @@ inline double inverse_normal(double p) {
         const double r = t::CONST1 - q * q;
         return q * detail::numerator(t::a, r) / detail::denominator(t::b, r);
     }
-    double r = std::sqrt(-std::log(std::min(p, 1.0 - p)));
+    // A uniform of exactly 0 or 1 (which some generators can return) still
+    // gives a finite deviate.
+    double r = std::sqrt(-std::log(std::max(std::min(p, 1.0 - p), 0x1p-1022)));
     double z;
     if (r <= t::SPLIT2) {
         r -= t::CONST2;

@@ -51,6 +51,8 @@ class Arg:
         self.nullable = spec.get("nullable", False)
         self.c_length = spec.get("c_length")
         self.letters = spec.get("letters")
+        self.c_offset = spec.get("c_offset", 0)
+        self.trace_dim = spec.get("trace_dim", self.dim)
         if self.type not in TYPES:
             raise DefinitionError(f"{routine}: argument {self.name}: unknown type {self.type}")
         if self.intent not in INTENTS:
@@ -172,6 +174,9 @@ class Exit:
         self.c = spec["c"]
         self.fortran = spec["fortran"]
         self.doc = spec.get("doc", "")
+        # Reported at the Fortran-style interface only; the C interface
+        # treats it as success (a size query, for example).
+        self.c_success = spec.get("c_success", False)
         self.values = []
         for v in spec.get("values", []):
             if ":" in v:
@@ -379,7 +384,7 @@ def def_header(r, kinds):
         for e in r.exits:
             lines = ", ".join(c_string(line) for line in e.fortran)
             out.append(f"    {{{e.outcome}, {e.message}, {e.code}, \"{e.code}\", {c_string(e.c)}, "
-                       f"{len(e.values)}, {len(e.fortran)}, {{{lines}}}}},")
+                       f"{len(e.values)}, {len(e.fortran)}, {{{lines}}}, {'true' if e.c_success else 'false'}}},")
         out.append("};")
         exits, count = "exits", len(r.exits)
     else:
@@ -427,7 +432,7 @@ def trace_args(r):
         if a.type == "char":
             items.append(f'frame::trace_text("{a.name}", {a.name}, {a.name}_len)')
         elif a.is_array:
-            dim = a.dim
+            dim = a.trace_dim
             if any(b.name == dim for b in r.args):
                 dim = f"*{dim}"
             items.append(f'frame::trace_array("{a.name}", {a.name}, {dim})')
@@ -518,7 +523,8 @@ def shell(r, kinds):
         if a.type == "userfn":
             entry += [f"reinterpret_cast<KorUserFn>({a.name})", f"{code}c_f_helper", "comm", "nullptr"]
         elif a.type == "enum" and not a.is_array and a.intent == "in":
-            prelude.append(f"const int64_t {a.name}_value = int64_t({a.name});")
+            offset = f" - {a.c_offset}" if a.c_offset else ""
+            prelude.append(f"const int64_t {a.name}_value = int64_t({a.name}){offset};")
             entry.append(f"&{a.name}_value")
         elif a.is_letter:
             # The enumeration's values stand for the letters in order.
