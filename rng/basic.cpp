@@ -60,9 +60,16 @@ void fill(int64_t *state, int64_t n, double *x) {
     write_digits(state + at_x, value);
 }
 
+// The odd residues mod 2^60 form a group of exponent 2^58, so exponents
+// work mod 2^58 and a^-1 = a^(2^58 - 1).
+constexpr uint64_t group_exponent = uint64_t(1) << 58;
+
 PartitionStatus leapfrog(int64_t *state, int64_t n, int64_t k) {
+    // The next value is the stored one times the new multiplier a^n; stream
+    // k must start at a^k X, so store a^(k - n) X.
     const uint64_t a = read_digits(state + at_multiplier);
-    write_digits(state + at_x, multiply(power(a, uint64_t(k - 1)), read_digits(state + at_x)));
+    const uint64_t exponent = (uint64_t(k) + group_exponent - uint64_t(n) % group_exponent) % group_exponent;
+    write_digits(state + at_x, multiply(power(a, exponent), read_digits(state + at_x)));
     write_digits(state + at_multiplier, power(a, uint64_t(n)));
     const int64_t length = state[at_length];
     state[length - 3] = n;
@@ -79,7 +86,7 @@ PartitionStatus skip(int64_t *state, int64_t n) {
 }
 
 PartitionStatus skip_power_of_two(int64_t *state, int64_t e) {
-    // The odd residues mod 2^60 have exponent 2^58: beyond that a^(2^e) is 1.
+    // Beyond e = 58, a^(2^e) is 1.
     uint64_t a = read_digits(state + at_multiplier);
     for (int64_t i = 0; i < e && i < 60; ++i) a = multiply(a, a);
     write_digits(state + at_x, multiply(a, read_digits(state + at_x)));
