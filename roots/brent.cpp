@@ -185,7 +185,9 @@ BrentStatus brent_step(double &x, double &y, double fx, double tolx, int64_t ir,
         if (c[s_converged] != 0.0) {
             x = c[s_b];
             y = c[s_c];
-            const bool pole = fx != 0.0 && std::fabs(fx) > c[s_fmax];
+            // A value that is not at most the larger end value -- NaN
+            // included -- is no zero of a continuous function.
+            const bool pole = fx != 0.0 && !(std::fabs(fx) <= c[s_fmax]);
             return finish(pole ? BrentStatus::probable_pole : BrentStatus::finished, ind);
         }
         c[s_fb] = fx;
