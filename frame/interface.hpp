@@ -72,6 +72,17 @@ void run_engine(const RoutineInfo &info, CallbackContext *ctx, char *text, int64
     if (length > 0) text[length - 1] = '\0';
 }
 
+// The value a C caller passed for an enumeration, read from its bytes: a
+// value outside the enumeration's range is legal in C, but loading it as
+// the C++ enumeration type would not be.
+template <class Enum>
+int64_t enum_value(const Enum &value) {
+    static_assert(sizeof(Enum) == sizeof(int32_t), "C enumerations are int-sized");
+    int32_t raw;
+    std::memcpy(&raw, &value, sizeof raw);
+    return raw;
+}
+
 // The report that closes every successful C call: kept inline and free of
 // any search, since it is paid on every call.
 inline void report_success(const RoutineInfo &info, KorError *fail) {

@@ -51,8 +51,11 @@ double s14aa::engine(frame::Record &rec, double x) {
         }
         return 1.0 / x;
     }
+    // A negative integer is recognised exactly: the shifted test
+    // x - (trunc(x) - 1) = 1 also fires for tiny negative x, where x + 1
+    // rounds to 1.
     const double n = std::trunc(x);
-    if (x < 0.0 && x - (n - 1.0) == 1.0) {
+    if (x < 0.0 && x == n) {
         rec.raise<Exit::negative_integer>(x);
         return value_at_limit;
     }

@@ -28,18 +28,19 @@ inline double denominator(const double (&d)[7], double r) {
 
 }  // namespace detail
 
-// z with Φ(z) = p, for 0 < p < 1; p = 0 and p = 1 are taken as the smallest
-// normalised double away from the end.
-inline double inverse_normal(double p) {
+// z with Φ(z) = 0.5 + q, from q and r = min(0.5 + q, 0.5 - q) given
+// separately, so that callers who know them exactly lose nothing to
+// forming 0.5 + q.
+inline double inverse_normal(double q, double r) {
     namespace t = data::inverse_normal_as241;
-    const double q = p - 0.5;
     if (std::fabs(q) <= t::SPLIT1) {
-        const double r = t::CONST1 - q * q;
-        return q * detail::numerator(t::a, r) / detail::denominator(t::b, r);
+        const double s = t::CONST1 - q * q;
+        return q * detail::numerator(t::a, s) / detail::denominator(t::b, s);
     }
     // A uniform of exactly 0 or 1 (which some generators can return) still
     // gives a finite deviate.
-    double r = std::sqrt(-std::log(std::max(std::min(p, 1.0 - p), 0x1p-1022)));
+    if (r <= 0.0) r = 0x1p-1022;
+    r = std::sqrt(-std::log(r));
     double z;
     if (r <= t::SPLIT2) {
         r -= t::CONST2;
@@ -50,5 +51,9 @@ inline double inverse_normal(double p) {
     }
     return q < 0.0 ? -z : z;
 }
+
+// z with Φ(z) = p, for 0 < p < 1; p = 0 and p = 1 are taken as the smallest
+// normalised double away from the end.
+inline double inverse_normal(double p) { return inverse_normal(p - 0.5, std::min(p, 1.0 - p)); }
 
 }  // namespace kor::specfun

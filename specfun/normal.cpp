@@ -68,7 +68,10 @@ double g01fa::engine(frame::Record &rec, char tail, double p) {
     switch (letter) {
     case 'L': return specfun::inverse_normal(p);
     case 'U': return -specfun::inverse_normal(p);
-    case 'C': return specfun::inverse_normal(0.5 * p + 0.5);
+    // z(0.5p + 0.5), with q = 0.5p and 1 - (0.5p + 0.5) = 0.5(1 - p) kept
+    // exact instead of rounding 0.5p + 0.5 (which loses p's low bits, and
+    // reaches 1.0 at p = 1 - 2^-53).
+    case 'C': return specfun::inverse_normal(0.5 * p, 0.5 * (1.0 - p));
     default: return -specfun::inverse_normal(0.5 * p);
     }
 }

@@ -25,7 +25,10 @@ import re
 import sys
 import tomllib
 
-TYPES = ("real", "int", "enum", "char", "userfn")
+# "handle": an opaque handle that the library allocates (C: void *, or
+# void ** with intent inout; Fortran: the 8-byte handle variable, of any
+# type, by reference).
+TYPES = ("real", "int", "enum", "char", "userfn", "handle")
 INTENTS = ("in", "out", "inout")
 
 
@@ -65,6 +68,8 @@ class Arg:
             raise DefinitionError(f"{routine}: user function {self.name} needs kind")
         if self.type == "char" and self.intent != "in" and not self.c_length:
             raise DefinitionError(f"{routine}: character output {self.name} needs c_length")
+        if self.type == "handle" and (self.dim or self.intent == "out"):
+            raise DefinitionError(f"{routine}: handle {self.name} is a scalar, in or inout")
 
     @property
     def is_letter(self):
@@ -77,7 +82,8 @@ class Arg:
 
     @property
     def scalar_type(self):
-        return {"real": "double", "int": "int64_t", "enum": "int64_t", "char": "char"}[self.type]
+        return {"real": "double", "int": "int64_t", "enum": "int64_t", "char": "char",
+                "handle": "void *"}[self.type]
 
     @property
     def is_array(self):
@@ -85,7 +91,7 @@ class Arg:
 
     @property
     def is_pointer_in_c(self):
-        if self.is_letter:
+        if self.is_letter or (self.type == "handle" and self.intent == "in"):
             return False
         return self.is_array or self.intent != "in" or self.type in ("char", "userfn")
 
@@ -93,6 +99,8 @@ class Arg:
     def layer_params(self):
         if self.type == "userfn":
             return [f"KorUserFn {self.name}", f"KorAdapter {self.name}_adapter", "void *u1", "void *u2"]
+        if self.type == "handle":
+            return [f"void **{self.name}"]
         const = "const " if self.intent == "in" else ""
         return [f"{const}{self.scalar_type} *{self.name}"]
 
@@ -107,6 +115,8 @@ class Arg:
             return kinds[self.kind]["c_decl"].format(name=self.name)
         if self.is_text_out:
             return f"char *{self.name}, int64_t {self.c_length}"
+        if self.type == "handle":
+            return f"void *{self.name}" if self.intent == "in" else f"void **{self.name}"
         if self.is_letter:
             return f"{self.c_type} {self.name}"
         if self.type == "char":
@@ -123,12 +133,17 @@ class Arg:
     def fortran_c_param(self):
         if self.type == "userfn":
             return f"KorUserFn {self.name}"
+        if self.type == "handle":
+            return f"void **{self.name}"
         const = "const " if self.intent == "in" else ""
         return f"{const}{self.scalar_type} *{self.name}"
 
     def fortran_decl(self, kinds):
         if self.type == "userfn":
             return f"procedure({kinds[self.kind]['fortran_name']}) :: {self.name}"
+        if self.type == "handle":
+            # Assumed type: the caller's TYPE(C_PTR) or integer(kind=8) alike.
+            return f"type(*), intent({self.intent}) :: {self.name}"
         ftype = {"real": "real(kind=8)", "int": "integer(kind=8)", "enum": "integer(kind=8)",
                  "char": "character(len=*)"}[self.type]
         dims = "(*)" if self.is_array else ""
@@ -138,6 +153,8 @@ class Arg:
     def engine_param(self, kinds):
         if self.type == "userfn":
             return f"frame::UserFunction<frame::{kinds[self.kind]['cpp']}> &{self.name}"
+        if self.type == "handle":
+            return f"void *{self.name}" if self.intent == "in" else f"void *&{self.name}"
         if self.is_text_out:
             return f"frame::TextOut {self.name}"
         if self.is_letter:
@@ -311,9 +328,20 @@ class Routine:
 def load(paths):
     routines, constants, enums = [], [], []
     chapters = {}
+    loaded = []
+    # Exit sets: exits that several routines share (a handle check, say),
+    # written once under [[exit_set]] in any definition file and placed
+    # before a routine's own exits, in the order its `exit_sets` names them.
+    exit_sets = {}
     for path in paths:
         with open(path, "rb") as f:
             data = tomllib.load(f)
+        loaded.append((path, data))
+        for es in data.get("exit_set", []):
+            if es["name"] in exit_sets:
+                raise DefinitionError(f"{path}: exit set {es['name']} defined twice")
+            exit_sets[es["name"]] = es.get("exit", [])
+    for path, data in loaded:
         chapter = data["chapter"]
         chapters.setdefault(chapter, data.get("title", chapter))
         for c in data.get("constant", []):
@@ -321,6 +349,13 @@ def load(paths):
         for e in data.get("enum", []):
             enums.append((chapter, e))
         for r in data.get("routine", []):
+            if "exit_sets" in r:
+                shared = []
+                for name in r["exit_sets"]:
+                    if name not in exit_sets:
+                        raise DefinitionError(f"{path}: {r.get('code')}: unknown exit set {name}")
+                    shared += exit_sets[name]
+                r = dict(r, exit=shared + r.get("exit", []))
             routines.append(Routine(r, chapter, path))
     codes = [r.code for r in routines]
     dup = {c for c in codes if codes.count(c) > 1}
@@ -429,7 +464,9 @@ def trace_args(r):
     for a in r.args:
         if a.type == "userfn":
             continue
-        if a.type == "char":
+        if a.type == "handle":
+            items.append(f'frame::trace_address("{a.name}", *{a.name})')
+        elif a.type == "char":
             items.append(f'frame::trace_text("{a.name}", {a.name}, {a.name}_len)')
         elif a.is_array:
             dim = a.trace_dim
@@ -524,12 +561,13 @@ def shell(r, kinds):
             entry += [f"reinterpret_cast<KorUserFn>({a.name})", f"{code}c_f_helper", "comm", "nullptr"]
         elif a.type == "enum" and not a.is_array and a.intent == "in":
             offset = f" - {a.c_offset}" if a.c_offset else ""
-            prelude.append(f"const int64_t {a.name}_value = int64_t({a.name}){offset};")
+            prelude.append(f"const int64_t {a.name}_value = frame::enum_value({a.name}){offset};")
             entry.append(f"&{a.name}_value")
         elif a.is_letter:
             # The enumeration's values stand for the letters in order.
-            prelude.append(f'const char {a.name}_letter = uint32_t({a.name}) < {len(a.letters)}u ? '
-                           f'"{a.letters}"[{a.name}] : \'?\';')
+            prelude.append(f"const int64_t {a.name}_code = frame::enum_value({a.name});")
+            prelude.append(f'const char {a.name}_letter = {a.name}_code >= 0 && {a.name}_code < {len(a.letters)} ? '
+                           f'"{a.letters}"[{a.name}_code] : \'?\';')
             prelude.append(f"const int64_t {a.name}_len = 1;")
             entry.append(f"&{a.name}_letter")
         elif a.is_text_out:
@@ -694,7 +732,8 @@ def reference_page(chapter, title, routines, kinds):
                 elif a.type == "enum":
                     t = f"{a.c_type} (C), integer (Fortran)"
                 else:
-                    t = {"real": "real", "int": "integer", "char": "character"}[a.type]
+                    t = {"real": "real", "int": "integer", "char": "character",
+                         "handle": "handle"}[a.type]
                 if a.is_array:
                     t += f" array ({a.dim})"
                 out.append(f"| `{a.name}` | {t} | {a.intent} | {md_cell(a.doc)} |")
