@@ -38,4 +38,41 @@ struct RealOfReal {
     }
 };
 
+// void f(const double x[], int64_t nx, double fv[], int64_t *iflag, Kor_Comm *comm)
+//   /  subroutine f(x, nx, fv, iflag, iuser, ruser)
+// A vectorised function: one call fills fv[i] = f(x[i]) for all nx points.
+// The call returns iflag, which the user sets negative to ask the routine
+// to stop; it is 0 on entry to every call.
+struct VectorOfVector {
+    struct Call {
+        const double *x = nullptr;
+        int64_t nx = 0;
+        double *fv = nullptr;
+        int64_t iflag = 0;
+    };
+    using CFunction = void (*)(const double *, int64_t, double *, int64_t *, Kor_Comm *);
+    using FortranFunction = void (*)(const double *, const int64_t *, double *, int64_t *,
+                                     int64_t *, double *);
+
+    static int64_t result(const Call &call) { return call.iflag; }
+
+    static void call_c(KorUserFn fn, CallbackContext *, void *call, void *u1, void *) {
+        auto *request = static_cast<Call *>(call);
+        reinterpret_cast<CFunction>(fn)(request->x, request->nx, request->fv, &request->iflag,
+                                        static_cast<Kor_Comm *>(u1));
+    }
+    static void call_fortran(KorUserFn fn, CallbackContext *, void *call, void *u1, void *u2) {
+        auto *request = static_cast<Call *>(call);
+        reinterpret_cast<FortranFunction>(fn)(request->x, &request->nx, request->fv,
+                                              &request->iflag, static_cast<int64_t *>(u1),
+                                              static_cast<double *>(u2));
+    }
+    static void trace(const char *label, const char *moment, const Call &call, void *u1, void *u2) {
+        write_trace(label, moment,
+                    {trace_array("x", call.x, call.nx), trace_value("nx", &call.nx),
+                     trace_array("fv", call.fv, call.nx), trace_value("iflag", &call.iflag),
+                     trace_address("iuser", u1), trace_address("ruser", u2)});
+    }
+};
+
 }  // namespace kor::frame
