@@ -41,6 +41,22 @@ function(kor_generate_routines)
         message(FATAL_ERROR "table generation failed for ${table}")
       endif()
     endforeach()
+    # Tables of integer rows (<chapter>/data/*.rows, "J V1 .. Vc" per line)
+    # become int64 arrays the same way, by tools/rowtable.py.
+    file(GLOB row_tables CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/${chapter}/data/*.rows)
+    foreach(table IN LISTS row_tables)
+      get_filename_component(stem ${table} NAME_WE)
+      set_property(DIRECTORY ${CMAKE_SOURCE_DIR} APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS
+                   ${table} ${CMAKE_SOURCE_DIR}/tools/rowtable.py)
+      file(MAKE_DIRECTORY ${KOR_GENERATED_DIR}/src/tables)
+      execute_process(
+        COMMAND ${Python3_EXECUTABLE} ${CMAKE_SOURCE_DIR}/tools/rowtable.py ${table}
+                ${KOR_GENERATED_DIR}/src/tables/${stem}.hpp kor::data::${stem}
+        RESULT_VARIABLE status)
+      if(NOT status EQUAL 0)
+        message(FATAL_ERROR "row table generation failed for ${table}")
+      endif()
+    endforeach()
   endforeach()
   set(KOR_DEFINITIONS ${definitions} PARENT_SCOPE)
   set(KOR_SHELLS ${shells} PARENT_SCOPE)

@@ -22,12 +22,15 @@ const Generator *find_generator(int64_t genid) {
 
 int check_state(const int64_t *state) {
     if (!state) return 1;
+    // The first word is read alone first: a short array announces itself
+    // there, before any word beyond it is touched.
+    const int64_t length = state[at_length];
+    if (length < at_words + frame_words + 1) return 2;
     const Generator *g = find_generator(state[at_genid]);
     if (!g) return 1;
-    const int64_t length = state[at_length];
     // The length must be one this generator uses before any word beyond the
     // header is trusted.
-    if (length < at_words + frame_words + 1 || !g->length_ok(state, length)) return 2;
+    if (!g->length_ok(state, length)) return 2;
     if (state[at_check] != g->check || state[length - 1] != state[at_check] ||
         state[length - 4] != state[at_check])
         return 1;

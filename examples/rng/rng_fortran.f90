@@ -12,12 +12,12 @@ program rng_fortran
   lstate = 0
   ifail = 1
   allocate (state(1))
-  call g05kff(3_8, 1_8, seed, 1_8, state, lstate, ifail)   ! size query: ifail = -1
-  write (*, '(a, i0, a, i0)') 'Mersenne Twister state length ', lstate, ', query ifail ', ifail
+  call g05kff(6_8, 1_8, seed, 1_8, state, lstate, ifail)   ! size query: ifail = -1
+  write (*, '(a, i0, a, i0)') 'MRG32k3a state length ', lstate, ', query ifail ', ifail
   deallocate (state)
   allocate (state(lstate), part(lstate))
   ifail = 0
-  call g05kff(3_8, 1_8, seed, 1_8, state, lstate, ifail)
+  call g05kff(6_8, 1_8, seed, 1_8, state, lstate, ifail)
 
   part = state
   ifail = 0
