@@ -57,6 +57,22 @@ function(kor_generate_routines)
         message(FATAL_ERROR "row table generation failed for ${table}")
       endif()
     endforeach()
+    # The option registry (<chapter>/option_table.txt, one typed row per
+    # option) becomes generated/src/tables/option_table.hpp by
+    # tools/optiongen.py, which also writes docs/options.md (docs target).
+    if(EXISTS ${CMAKE_SOURCE_DIR}/${chapter}/option_table.txt)
+      set(option_table ${CMAKE_SOURCE_DIR}/${chapter}/option_table.txt)
+      set_property(DIRECTORY ${CMAKE_SOURCE_DIR} APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS
+                   ${option_table} ${CMAKE_SOURCE_DIR}/tools/optiongen.py)
+      execute_process(
+        COMMAND ${Python3_EXECUTABLE} ${CMAKE_SOURCE_DIR}/tools/optiongen.py ${option_table}
+                --header ${KOR_GENERATED_DIR}/src/tables/option_table.hpp
+        RESULT_VARIABLE status)
+      if(NOT status EQUAL 0)
+        message(FATAL_ERROR "option table generation failed for ${option_table}")
+      endif()
+      set(KOR_OPTION_TABLE ${option_table} PARENT_SCOPE)
+    endif()
   endforeach()
   set(KOR_DEFINITIONS ${definitions} PARENT_SCOPE)
   set(KOR_SHELLS ${shells} PARENT_SCOPE)

@@ -2,7 +2,8 @@
 """Generates every layer of libkor's routines from their definition files.
 
 A definition file (chapter/*.toml) declares routines: code, long name,
-arguments, user-function kind and exits.  From it this script writes only
+arguments, user-function kind and exits, and may declare exit sets
+([[exit_set]]) that routines of any file start with (exit_sets = [...]).  From it this script writes only
 shape, never behaviour:
 
   include/kor/<chapter>.h   C prototypes, long names, constants, enumerations

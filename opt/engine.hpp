@@ -1,0 +1,96 @@
+// Helpers shared by the engines of the handle routines: the opening checks
+// (handle, phase) and the checks of index lists and coordinate matrices.
+#pragma once
+
+#include <cstdint>
+#include <new>
+#include <string_view>
+#include <vector>
+
+#include "frame/record.hpp"
+#include "opt/handle.hpp"
+#include "opt/problem.hpp"
+
+namespace kor::opt {
+
+// Validates the handle; raises the routine's handle exit and returns null
+// when it is not valid.
+template <class Exit>
+Problem *open_handle(frame::Record &rec, void *handle) {
+    Problem *p = nullptr;
+    const HandleStatus s = check_handle(handle, &p);
+    if (s != HandleStatus::valid) {
+        raise_handle<Exit>(rec, s);
+        return nullptr;
+    }
+    return p;
+}
+
+// The same for a routine that changes the problem: refused while a solver
+// runs on the handle.
+template <class Exit>
+Problem *open_for_change(frame::Record &rec, void *handle) {
+    Problem *p = open_handle<Exit>(rec, handle);
+    if (p && p->solver_running) {
+        rec.raise<typename Exit::solver_running>();
+        return nullptr;
+    }
+    return p;
+}
+
+// False when `bytes` exceed the machine's memory (physical and swap): such
+// a request is refused without asking the allocator, which under some
+// tools (AddressSanitizer) ends the process instead of failing.
+bool memory_can_hold(uint64_t bytes);
+
+// Room for n elements, or std::bad_alloc (which the frame reports as
+// NE_ALLOC_FAIL) for a count no allocation can hold.  Done before a
+// caller's array of that count is read, so that a huge count fails cleanly.
+template <class T>
+void reserve_for(std::vector<T> &v, int64_t n) {
+    if (n < 0 || uint64_t(n) > v.max_size() || !memory_can_hold(uint64_t(n) * sizeof(T)))
+        throw std::bad_alloc();
+    v.reserve(size_t(n));
+}
+
+// 0-based position of the first element outside [lo, hi], or -1.
+int64_t first_outside(const int64_t *v, int64_t n, int64_t lo, int64_t hi);
+
+// 0-based position of the first entry with row > col, or -1.
+int64_t first_below_diagonal(const int64_t *row, const int64_t *col, int64_t n);
+
+// 0-based i of the first pair with v[i] >= v[i+1], or -1.
+int64_t first_not_ascending(const int64_t *v, int64_t n);
+
+// The first element (in the order given) that repeats an earlier one.
+struct Repeat {
+    bool found = false;
+    int64_t position = -1;  // 0-based position of the repeating element
+    int64_t row = 0, col = 0;
+};
+
+// Over (row, col) pairs, rows in [1, max_row] and columns in [1, max_col]
+// (checked before); O(n log n).
+Repeat first_repeated_pair(const int64_t *row, const int64_t *col, int64_t n, int64_t max_row,
+                           int64_t max_col);
+// Over single values.
+Repeat first_repeated(const int64_t *v, int64_t n);
+
+// A keyword as the handle routines compare it: upper case, surrounding
+// blanks removed, runs of blanks made one.
+std::string normalize_keyword(std::string_view text);
+
+// Copies a caller's array into a vector (allocated before the copy).
+template <class T>
+std::vector<T> copy_of(const T *v, int64_t n) {
+    std::vector<T> out;
+    reserve_for(out, n);
+    out.assign(v, v + n);
+    return out;
+}
+
+// The upper bound of every coordinate matrix and Hessian check on
+// variables; bounds at or beyond it are infinite.
+double infinite_bound(const Problem &p);
+
+}  // namespace kor::opt

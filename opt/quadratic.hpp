@@ -1,0 +1,35 @@
+// What e04rs and e04rt share: the checks of the identifier, the bounds and
+// the sparse linear part, and storing the result as a constraint or as the
+// objective.
+#pragma once
+
+#include "opt/engine.hpp"
+
+namespace kor::opt {
+
+// Stores a checked quadratic function: idqc = -1 makes it the objective
+// (discarding the old one and every Hessian structure), 0 adds a
+// constraint and returns its identifier, > 0 replaces that constraint.
+void store_quadratic(Problem &p, QuadraticConstraint qc, int64_t &idqc);
+
+// The common checks, in the routines' order, as a template over the
+// routine's exits; `quadratic_count` is nnzq or nnzf.  Returns false after
+// raising.
+template <class Exit>
+bool check_quadratic_common(frame::Record &rec, const Problem &p, int64_t idqc, int64_t nnzr,
+                            const int64_t *idxr, double bl, double bu) {
+    const int64_t n = p.nvar;
+    if (idqc >= 0) {
+        const double big = infinite_bound(p);
+        if (!(bl <= bu)) return rec.raise<typename Exit::bounds_crossed>(bl, bu), false;
+        if (bl >= big) return rec.raise<typename Exit::lower_infinite>(bl, big), false;
+        if (bu <= -big) return rec.raise<typename Exit::upper_infinite>(bu, big), false;
+    }
+    if (int64_t i = first_outside(idxr, nnzr, 1, n); i >= 0)
+        return rec.raise<typename Exit::idxr_range>(i + 1, idxr[i], n), false;
+    if (Repeat r = first_repeated(idxr, nnzr); r.found)
+        return rec.raise<typename Exit::idxr_repeated>(r.row), false;
+    return true;
+}
+
+}  // namespace kor::opt
