@@ -7,6 +7,23 @@ set(KOR_GENERATED_DIR ${CMAKE_BINARY_DIR}/generated)
 set(KOR_GENERATOR ${CMAKE_SOURCE_DIR}/tools/korgen.py)
 set(KOR_CALLBACK_KINDS ${CMAKE_SOURCE_DIR}/frame/callbacks.toml)
 
+# Runs tools/<script> over each file of <chapter>/data matching pattern.
+function(kor_generate_tables chapter pattern script)
+  file(GLOB tables CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/${chapter}/data/${pattern})
+  foreach(table IN LISTS tables)
+    get_filename_component(stem ${table} NAME_WE)
+    set_property(DIRECTORY ${CMAKE_SOURCE_DIR} APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS
+                 ${table} ${CMAKE_SOURCE_DIR}/tools/${script} ${CMAKE_SOURCE_DIR}/tools/genutil.py)
+    execute_process(
+      COMMAND ${Python3_EXECUTABLE} ${CMAKE_SOURCE_DIR}/tools/${script} ${table}
+              ${KOR_GENERATED_DIR}/src/tables/${stem}.hpp kor::data::${stem}
+      RESULT_VARIABLE status)
+    if(NOT status EQUAL 0)
+      message(FATAL_ERROR "${script} failed for ${table}")
+    endif()
+  endforeach()
+endfunction()
+
 function(kor_generate_routines)
   set(definitions)
   foreach(chapter IN LISTS ARGN)
@@ -25,38 +42,12 @@ function(kor_generate_routines)
   endif()
   file(STRINGS ${KOR_GENERATED_DIR}/shells.txt shells)
 
-  # Published constants (<chapter>/data/*.txt) become headers
-  # generated/src/tables/<name>.hpp in namespace kor::data::<name>.
+  # Published constants (<chapter>/data/*.txt, "NAME INDEX VALUE") and
+  # tables of integer rows (<chapter>/data/*.rows, "J V1 .. Vc") become
+  # headers generated/src/tables/<name>.hpp in namespace kor::data::<name>.
   foreach(chapter IN LISTS ARGN)
-    file(GLOB tables CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/${chapter}/data/*.txt)
-    foreach(table IN LISTS tables)
-      get_filename_component(stem ${table} NAME_WE)
-      set_property(DIRECTORY ${CMAKE_SOURCE_DIR} APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${table})
-      file(MAKE_DIRECTORY ${KOR_GENERATED_DIR}/src/tables)
-      execute_process(
-        COMMAND ${Python3_EXECUTABLE} ${CMAKE_SOURCE_DIR}/tools/tablegen.py ${table}
-                ${KOR_GENERATED_DIR}/src/tables/${stem}.hpp kor::data::${stem}
-        RESULT_VARIABLE status)
-      if(NOT status EQUAL 0)
-        message(FATAL_ERROR "table generation failed for ${table}")
-      endif()
-    endforeach()
-    # Tables of integer rows (<chapter>/data/*.rows, "J V1 .. Vc" per line)
-    # become int64 arrays the same way, by tools/rowtable.py.
-    file(GLOB row_tables CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/${chapter}/data/*.rows)
-    foreach(table IN LISTS row_tables)
-      get_filename_component(stem ${table} NAME_WE)
-      set_property(DIRECTORY ${CMAKE_SOURCE_DIR} APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS
-                   ${table} ${CMAKE_SOURCE_DIR}/tools/rowtable.py)
-      file(MAKE_DIRECTORY ${KOR_GENERATED_DIR}/src/tables)
-      execute_process(
-        COMMAND ${Python3_EXECUTABLE} ${CMAKE_SOURCE_DIR}/tools/rowtable.py ${table}
-                ${KOR_GENERATED_DIR}/src/tables/${stem}.hpp kor::data::${stem}
-        RESULT_VARIABLE status)
-      if(NOT status EQUAL 0)
-        message(FATAL_ERROR "row table generation failed for ${table}")
-      endif()
-    endforeach()
+    kor_generate_tables(${chapter} "*.txt" tablegen.py)
+    kor_generate_tables(${chapter} "*.rows" rowtable.py)
     # The option registry (<chapter>/option_table.txt, one typed row per
     # option) becomes generated/src/tables/option_table.hpp by
     # tools/optiongen.py, which also writes docs/options.md (docs target).

@@ -26,6 +26,8 @@ import re
 import sys
 import tomllib
 
+from genutil import write_if_changed
+
 # "handle": an opaque handle that the library allocates (C: void *, or
 # void ** with intent inout; Fortran: the 8-byte handle variable, of any
 # type, by reference).
@@ -756,16 +758,6 @@ def reference_page(chapter, title, routines, kinds):
 
 
 # ----------------------------------------------------------------------------
-
-def write_if_changed(path, text):
-    os.makedirs(os.path.dirname(path), exist_ok=True)
-    if os.path.exists(path):
-        with open(path) as f:
-            if f.read() == text:
-                return
-    with open(path, "w") as f:
-        f.write(text)
-
 
 def main():
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])

@@ -20,6 +20,8 @@ import os
 import re
 import sys
 
+from genutil import write_if_changed
+
 EPS = 2.0 ** -53
 MAX_NAME = 30
 
@@ -413,16 +415,6 @@ def docs(options, aliases, upper, source):
         out.append(f"| {alias} | {display_name(o.name, upper)} |")
     out.append("")
     return "\n".join(out)
-
-
-def write_if_changed(path, text):
-    os.makedirs(os.path.dirname(os.path.abspath(path)), exist_ok=True)
-    if os.path.exists(path):
-        with open(path) as f:
-            if f.read() == text:
-                return
-    with open(path, "w") as f:
-        f.write(text)
 
 
 def main():

@@ -11,6 +11,8 @@ Usage: rowtable.py INPUT OUTPUT.hpp NAMESPACE
 """
 import sys
 
+from genutil import write_if_changed
+
 
 def main():
     source, target, namespace = sys.argv[1:4]
@@ -37,14 +39,7 @@ def main():
     out += ["    {" + ", ".join(str(v) for v in row) + "}," for row in rows]
     out += ["};", "", f"}}  // namespace {namespace}", ""]
     text = "\n".join(out)
-    try:
-        with open(target) as f:
-            if f.read() == text:
-                return
-    except FileNotFoundError:
-        pass
-    with open(target, "w") as f:
-        f.write(text)
+    write_if_changed(target, text)
 
 
 if __name__ == "__main__":

@@ -10,6 +10,8 @@ Usage: tablegen.py INPUT.txt OUTPUT.hpp NAMESPACE
 """
 import sys
 
+from genutil import write_if_changed
+
 
 def main():
     source, target, namespace = sys.argv[1:4]
@@ -47,14 +49,7 @@ def main():
         out.append("};")
     out += ["", f"}}  // namespace {namespace}", ""]
     text = "\n".join(out)
-    try:
-        with open(target) as f:
-            if f.read() == text:
-                return
-    except FileNotFoundError:
-        pass
-    with open(target, "w") as f:
-        f.write(text)
+    write_if_changed(target, text)
 
 
 if __name__ == "__main__":

@@ -192,7 +192,8 @@ TEST(E04zp, LongAndBinaryLines) {
     close_unit(unit);
     EXPECT_EQ(std::string(fail.message),
               "NE_INVALID_FORMAT:\n  The optval provided on line 2 could not be converted to the expected numerical type.");
-    write_file(dir.file("b.txt"), std::string("Begin\nPrint\0Level = 1\n\x01\xff = \x02\nEnd\n", 35));
+    static const char binary[] = "Begin\nPrint\0Level = 1\n\x01\xff = \x02\nEnd\n";
+    write_file(dir.file("b.txt"), std::string(binary, sizeof binary - 1));
     unit = open_unit(dir.file("b.txt"), 0);
     e04zpc(h.get(), unit, &fail);
     close_unit(unit);
