@@ -46,19 +46,19 @@ def c_string(text):
 
 
 class Arg:
-    def __init__(self, spec, routine):
-        self.name = spec["name"]
-        self.type = spec["type"]
-        self.intent = spec.get("intent", "in")
-        self.dim = spec.get("dim")
-        self.doc = spec.get("doc", "")
-        self.c_type = spec.get("c_type")
-        self.kind = spec.get("kind")
-        self.nullable = spec.get("nullable", False)
-        self.c_length = spec.get("c_length")
-        self.letters = spec.get("letters")
-        self.c_offset = spec.get("c_offset", 0)
-        self.trace_dim = spec.get("trace_dim", self.dim)
+    def __init__(self, entry, routine):
+        self.name = entry["name"]
+        self.type = entry["type"]
+        self.intent = entry.get("intent", "in")
+        self.dim = entry.get("dim")
+        self.doc = entry.get("doc", "")
+        self.c_type = entry.get("c_type")
+        self.kind = entry.get("kind")
+        self.nullable = entry.get("nullable", False)
+        self.c_length = entry.get("c_length")
+        self.letters = entry.get("letters")
+        self.c_offset = entry.get("c_offset", 0)
+        self.trace_dim = entry.get("trace_dim", self.dim)
         if self.type not in TYPES:
             raise DefinitionError(f"{routine}: argument {self.name}: unknown type {self.type}")
         if self.intent not in INTENTS:
@@ -186,19 +186,19 @@ class Arg:
 
 
 class Exit:
-    def __init__(self, spec, routine, args):
-        self.name = spec["name"]
-        self.outcome = spec["outcome"]
-        self.message = spec["message"]
-        self.code = spec["code"]
-        self.c = spec["c"]
-        self.fortran = spec["fortran"]
-        self.doc = spec.get("doc", "")
+    def __init__(self, entry, routine, args):
+        self.name = entry["name"]
+        self.outcome = entry["outcome"]
+        self.message = entry["message"]
+        self.code = entry["code"]
+        self.c = entry["c"]
+        self.fortran = entry["fortran"]
+        self.doc = entry.get("doc", "")
         # Reported at the Fortran-style interface only; the C interface
         # treats it as success (a size query, for example).
-        self.c_success = spec.get("c_success", False)
+        self.c_success = entry.get("c_success", False)
         self.values = []
-        for v in spec.get("values", []):
+        for v in entry.get("values", []):
             if ":" in v:
                 name, vtype = v.split(":")
                 if vtype not in ("real", "int", "text"):
@@ -222,20 +222,20 @@ class Exit:
 
 
 class Routine:
-    def __init__(self, spec, chapter, source):
-        self.code = spec["code"]
+    def __init__(self, entry, chapter, source):
+        self.code = entry["code"]
         if not re.fullmatch(r"[a-z]\d\d[a-z]{2}", self.code):
             raise DefinitionError(f"{source}: bad routine code {self.code}")
         self.chapter = chapter
         self.source = source
-        self.long = spec["long"]
-        self.purpose = spec.get("purpose", "")
-        self.description = spec.get("description", "").strip()
-        self.fail = spec.get("fail", True)
-        self.result = spec.get("result")
-        self.c_result_type = spec.get("c_result_type")
-        self.args = [Arg(a, self.code) for a in spec.get("args", [])]
-        self.exits = [Exit(e, self.code, self.args) for e in spec.get("exit", [])]
+        self.long = entry["long"]
+        self.purpose = entry.get("purpose", "")
+        self.description = entry.get("description", "").strip()
+        self.fail = entry.get("fail", True)
+        self.result = entry.get("result")
+        self.c_result_type = entry.get("c_result_type")
+        self.args = [Arg(a, self.code) for a in entry.get("args", [])]
+        self.exits = [Exit(e, self.code, self.args) for e in entry.get("exit", [])]
         if not self.fail and self.exits:
             raise DefinitionError(f"{self.code}: a routine without fail has no exits")
         messages = [e.message for e in self.exits]
