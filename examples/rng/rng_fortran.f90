@@ -34,4 +34,5 @@ program rng_fortran
     call g05saf(3_8, state, y, ifail)
     write (*, '(a, i0, a, 3f14.10)') '  stream ', k, ':', y
   end do
+  deallocate (state, part)
 end program rng_fortran

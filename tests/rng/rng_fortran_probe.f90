@@ -45,4 +45,5 @@ program rng_fortran_probe
   ifail = -1
   call g05saf(1_8, state, x, ifail)
   write (*, '(a, i0)') 'corrupt ifail ', ifail
+  deallocate (state, saved)
 end program rng_fortran_probe
