@@ -15,13 +15,7 @@ void engine(frame::Record &rec, void *handle, double s, int64_t nnzr, const int6
     if (nnzq < 0) return rec.raise<Exit::nnzq_below>(nnzq);
     if (nnzr < 0) return rec.raise<Exit::nnzr_below>(nnzr);
     if (nnzr == 0 && nnzq == 0) return rec.raise<Exit::both_empty>(nnzr, nnzq);
-    opt::QuadraticConstraint qc;
-    opt::reserve_for(qc.idxr, nnzr);
-    opt::reserve_for(qc.r, nnzr);
-    opt::reserve_for(qc.q.row, nnzq);
-    opt::reserve_for(qc.q.col, nnzq);
-    opt::reserve_for(qc.q.value, nnzq);
-    if (idqc == 0) opt::reserve_for(p->quadratic, count + 1);
+    opt::QuadraticConstraint qc = opt::reserve_quadratic(*p, idqc, nnzr, nnzq);
     if (!opt::check_quadratic_common<Exit>(rec, *p, idqc, nnzr, idxr, bl, bu)) return;
     if (int64_t i = opt::first_outside(irowq, nnzq, 1, n); i >= 0)
         return rec.raise<Exit::irowq_range>(i + 1, irowq[i], n);
@@ -31,14 +25,7 @@ void engine(frame::Record &rec, void *handle, double s, int64_t nnzr, const int6
         return rec.raise<Exit::irowq_below_diagonal>(i + 1, irowq[i], icolq[i]);
     if (opt::Repeat rp = opt::first_repeated_pair(irowq, icolq, nnzq, n, n); rp.found)
         return rec.raise<Exit::repeated_element>(rp.row, rp.col);
-    qc.constant = s;
-    qc.bl = bl;
-    qc.bu = bu;
-    qc.idxr.assign(idxr, idxr + nnzr);
-    qc.r.assign(r, r + nnzr);
-    qc.q.row.assign(irowq, irowq + nnzq);
-    qc.q.col.assign(icolq, icolq + nnzq);
-    qc.q.value.assign(q, q + nnzq);
+    opt::fill_quadratic(qc, s, bl, bu, nnzr, idxr, r, nnzq, irowq, icolq, q);
     opt::store_quadratic(*p, std::move(qc), idqc);
 }
 

@@ -16,13 +16,7 @@ void engine(frame::Record &rec, void *handle, double s, int64_t mf, int64_t nnzf
     if (mf <= 0) return rec.raise<Exit::mf_not_positive>(mf);
     if (nnzr < 0) return rec.raise<Exit::nnzr_below>(nnzr);
     if (nnzr == 0 && nnzf == 0) return rec.raise<Exit::both_empty>(nnzr, nnzf);
-    opt::QuadraticConstraint qc;
-    opt::reserve_for(qc.idxr, nnzr);
-    opt::reserve_for(qc.r, nnzr);
-    opt::reserve_for(qc.q.row, nnzf);
-    opt::reserve_for(qc.q.col, nnzf);
-    opt::reserve_for(qc.q.value, nnzf);
-    if (idqc == 0) opt::reserve_for(p->quadratic, count + 1);
+    opt::QuadraticConstraint qc = opt::reserve_quadratic(*p, idqc, nnzr, nnzf);
     if (!opt::check_quadratic_common<Exit>(rec, *p, idqc, nnzr, idxr, bl, bu)) return;
     if (int64_t i = opt::first_outside(irowf, nnzf, 1, mf); i >= 0)
         return rec.raise<Exit::irowf_range>(i + 1, irowf[i], mf);
@@ -30,16 +24,9 @@ void engine(frame::Record &rec, void *handle, double s, int64_t mf, int64_t nnzf
         return rec.raise<Exit::icolf_range>(i + 1, icolf[i], n);
     if (opt::Repeat rp = opt::first_repeated_pair(irowf, icolf, nnzf, mf, n); rp.found)
         return rec.raise<Exit::repeated_element>(rp.row, rp.col);
-    qc.constant = s;
-    qc.bl = bl;
-    qc.bu = bu;
+    opt::fill_quadratic(qc, s, bl, bu, nnzr, idxr, r, nnzf, irowf, icolf, f);
     qc.factorized = true;
     qc.mf = mf;
-    qc.idxr.assign(idxr, idxr + nnzr);
-    qc.r.assign(r, r + nnzr);
-    qc.q.row.assign(irowf, irowf + nnzf);
-    qc.q.col.assign(icolf, icolf + nnzf);
-    qc.q.value.assign(f, f + nnzf);
     opt::store_quadratic(*p, std::move(qc), idqc);
 }
 

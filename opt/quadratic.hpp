@@ -7,6 +7,16 @@
 
 namespace kor::opt {
 
+// A quadratic function's storage, reserved before any check so that a count
+// too large to hold fails with the allocation report and changes nothing.
+// `nnzm` entries of the matrix part (Q or F), `nnzr` of the linear part.
+QuadraticConstraint reserve_quadratic(Problem &p, int64_t idqc, int64_t nnzr, int64_t nnzm);
+
+// Copies the caller's checked arrays into the reserved storage.
+void fill_quadratic(QuadraticConstraint &qc, double s, double bl, double bu, int64_t nnzr,
+                    const int64_t *idxr, const double *r, int64_t nnzm, const int64_t *row,
+                    const int64_t *col, const double *value);
+
 // Stores a checked quadratic function: idqc = -1 makes it the objective
 // (discarding the old one and every Hessian structure), 0 adds a
 // constraint and returns its identifier, > 0 replaces that constraint.
