@@ -8,9 +8,8 @@
 //                624 means the block is used up and is regenerated first
 //   [629]        check value
 // Full form (Lg = 1257), the same first 629 words, then
-//   [629..1252]  jump-ahead workspace: the accumulator of Horner's rule
-//                (zero between calls, so that a state's words depend only
-//                on its stream)
+//   [629..1252]  reserved for the jump, zero: the jump's tables take 80 KB,
+//                more than these words hold, so it works on the stack
 //   [1253..1255] reserved, zero
 //   [1256]       check value
 // state[3] = 1.  The stream words (state[L-3], state[L-2]) are the leap-frog
@@ -36,18 +35,17 @@ namespace {
 
 constexpr int64_t check_value = 3692;
 constexpr int64_t short_block = 630, full_block = 1257;
-constexpr int at_mt = 4, at_position = 628, at_workspace = 629;
-constexpr int workspace_words = full_block - 1 - at_workspace;  // 627
+constexpr int at_mt = 4, at_position = 628, at_jump_words = 629;
 
 constexpr int N = 624, M = 397;
 constexpr uint32_t matrix_a = 0x9908b0dfu, upper_mask = 0x80000000u, lower_mask = 0x7fffffffu;
 
 // Skips of up to this many values step through the blocks; longer ones jump
-// through the characteristic polynomial.  Stepping costs about half a
-// nanosecond per value; a jump costs a few milliseconds whatever its length
-// (log2 J squarings of 30 microseconds each, then Horner's rule at about
-// 2 ms), so they break even near ten million values.
-constexpr uint64_t step_limit = uint64_t(1) << 23;
+// through the characteristic polynomial.  Stepping costs about a quarter of
+// a nanosecond per value; a jump costs about 0.25 ms for Horner's rule plus
+// 25 microseconds per squaring (log2 J - 14 of them), so they break even
+// near 1.5 million values.
+constexpr uint64_t step_limit = uint64_t(1) << 20;
 
 // ---------------------------------------------------------------------------
 // The recurrence and the output
@@ -141,7 +139,7 @@ SeedStatus seed(int64_t, const int64_t *seed, int64_t lseed, int64_t *state, int
     state[at_sub] = 1;
     for (int i = 0; i < N; ++i) state[at_mt + i] = mt[i];
     state[at_position] = N;  // the first draw regenerates, as in mt19937ar
-    for (int64_t i = at_workspace; i < length - 1; ++i) state[i] = 0;
+    for (int64_t i = at_jump_words; i < length - 1; ++i) state[i] = 0;
     state[length - 1] = check_value;
     return SeedStatus::ok;
 }
@@ -290,15 +288,21 @@ void times_x(Poly &a) {
 }
 
 // x^J mod P, J >= 1, by squaring and multiplying by x from the top bit of J
-// down: one squaring per bit of J.
+// down: one squaring per bit of J.  J's leading fourteen bits give a
+// monomial x^m, m < 2^14 < degree, that needs no reduction, which saves
+// fourteen squarings.
 Poly power_of_x(unsigned __int128 j) {
-    Poly g{};
-    g[0] = 1;
     int bit = 127;
     while (!(j >> bit & 1)) --bit;
-    for (; bit >= 0; --bit) {
+    constexpr int free_bits = 14;
+    static_assert((1 << free_bits) < degree, "the monomial is already reduced");
+    const int low = std::max(bit - free_bits + 1, 0);
+    const int m = int(j >> low);
+    Poly g{};
+    g[m >> 6] = uint64_t(1) << (m & 63);
+    for (int b = low - 1; b >= 0; --b) {
         square(g);
-        if (j >> bit & 1) times_x(g);
+        if (j >> b & 1) times_x(g);
     }
     return g;
 }
@@ -319,33 +323,60 @@ int degree_of(const Poly &g) {
 // ---------------------------------------------------------------------------
 // Moving the state
 
-// The words advanced by g(T), T the one-step map: by Horner's rule on
-// states, R = 0; for i = deg g down to 0: R <- T R, then R ^= S when
-// g_i = 1.  R is a window of 624 consecutive words of the recurrence kept as
-// a ring in the workspace (the oldest word at `oldest`), so one step of T
-// writes one word.  The position is left as it was: the block now holds the
-// words J further on, and the next value is J values later.
-void apply(int64_t *state, const Poly &g) {
-    int64_t *const s = state + at_mt;
-    int64_t *const r = state + at_workspace;
-    const int top = degree_of(g);
-    std::copy(s, s + N, r);  // the leading term: T 0 + S
-    int oldest = 0;
-    for (int i = top - 1; i >= 0; --i) {
-        const int next = oldest + 1 == N ? 0 : oldest + 1;
-        const int far = oldest + M >= N ? oldest + M - N : oldest + M;
-        r[oldest] = r[far] ^ twist(r[oldest], r[next]);
-        oldest = next;
-        if (g[i >> 6] >> (i & 63) & 1) {
-            // S's words line up with the window from its oldest word on.
-            const int run = N - oldest;
-            for (int k = 0; k < run; ++k) r[oldest + k] ^= s[k];
-            for (int k = run; k < N; ++k) r[k - run] ^= s[k];
-        }
+// The words advanced by g(T), T the one-step map, by Horner's rule on
+// states taken `window` coefficients at a time (Haramoto et al., section
+// 3.2): R <- T^window R, then R ^= h(T) S for the window's coefficients h,
+// read from a table of all 2^window such states.  R is 624 consecutive
+// words of the recurrence in a buffer that grows at its end, so a step of
+// T writes one word and every xor runs over contiguous words.  The
+// position is left as it was: the block now holds the words J further on,
+// and the next value is J values later.
+constexpr int window = 5;
+constexpr int combinations = 1 << window;
+constexpr int slack = N;  // room to step into before R moves back to the buffer's start
+
+// The window's states T^j S for j < window, xored for every set of j.
+void tabulate(const uint32_t *s, uint32_t (*table)[N]) {
+    uint32_t run[N + window];  // S's words and the next window - 1
+    std::copy(s, s + N, run);
+    for (int k = 0; k < window - 1; ++k) run[N + k] = run[k + M] ^ twist(run[k], run[k + 1]);
+    std::fill(table[0], table[0] + N, 0u);
+    for (int h = 1; h < combinations; ++h) {
+        const int j = __builtin_ctz(h);
+        const uint32_t *rest = table[h & (h - 1)], *shifted = run + j;
+        for (int k = 0; k < N; ++k) table[h][k] = rest[k] ^ shifted[k];
     }
-    std::copy(r + oldest, r + N, s);
-    std::copy(r, r + oldest, s + (N - oldest));
-    std::fill(r, r + workspace_words, 0);
+}
+
+void apply(int64_t *state, const Poly &g) {
+    alignas(64) uint32_t table[combinations][N];  // 80 KB, on the stack: nothing to fail
+    alignas(64) uint32_t buffer[N + slack];
+    uint32_t s[N];
+    for (int k = 0; k < N; ++k) s[k] = uint32_t(state[at_mt + k]);
+    tabulate(s, table);
+    const int top = degree_of(g);
+    const auto chunk = [&g](int low) {  // coefficients low .. low + window - 1
+        int h = 0;
+        for (int b = window - 1; b >= 0; --b) {
+            const int i = low + b;
+            h = h << 1 | int(g[i >> 6] >> (i & 63) & 1);
+        }
+        return h;
+    };
+    int low = top - top % window;
+    uint32_t *r = buffer;
+    std::copy(table[chunk(low)], table[chunk(low)] + N, r);
+    for (low -= window; low >= 0; low -= window) {
+        if (r + N + window > buffer + N + slack) {
+            std::copy(r, r + N, buffer);
+            r = buffer;
+        }
+        for (int k = 0; k < window; ++k) r[N + k] = r[k + M] ^ twist(r[k], r[k + 1]);
+        r += window;
+        const uint32_t *add = table[chunk(low)];
+        for (int k = 0; k < N; ++k) r[k] ^= add[k];
+    }
+    for (int k = 0; k < N; ++k) state[at_mt + k] = r[k];
 }
 
 // Steps over `count` values through the blocks (any form of state).
@@ -441,7 +472,7 @@ PartitionStatus leapfrog(int64_t *state, int64_t n, int64_t k) {
 
 // A skip counts values of the stream the state delivers: after a leap-frog
 // of stride s, skipping n moves n s values along the plain stream.  Only the
-// full form has the workspace a jump needs; the short form is refused for
+// full form has the words reserved for a jump; the short form is refused for
 // every n, so that whether a skip works does not depend on its size.
 PartitionStatus skip(int64_t *state, int64_t n) {
     if (!is_full(state)) return PartitionStatus::state_too_small;

@@ -12,13 +12,12 @@
 // matrices of the two components raised to the leap-frog stride (row-major,
 // the stride itself being stream word 1), [37..56] 0.
 //
-// A plain stream is evaluated in double precision as in the published
-// floating-point implementation: every product and sum is an integer
-// below 2^53, so exact.  A leap-frogged stream steps by the matrices A^n,
-// whose entries are full 32-bit numbers; it is evaluated in integers, each
+// Everything is exact integer arithmetic, so the stream is the published
+// double-precision one bit for bit.  A plain stream runs on the published
+// constants, reducing by 2^32 = c (mod 2^32 - c); a leap-frogged stream
+// steps by the matrices A^n, whose entries are full 32-bit numbers, each
 // product reduced mod m before the sum.  Skips multiply by matrix powers.
 #include <algorithm>
-#include <cmath>
 #include <cstdint>
 
 #include "rng/basic.hpp"
@@ -157,42 +156,64 @@ SeedStatus seed(int64_t, const int64_t *seed, int64_t lseed, int64_t *state, int
 
 bool length_ok(const int64_t *, int64_t length) { return length == block_length + frame_words; }
 
-double output(double p1, double p2, double m1, double f) { return p1 > p2 ? (p1 - p2) * f : (p1 - p2 + m1) * f; }
+// The combination (p1 - p2 mod m1, with m1 for 0) scaled by f; exact until
+// the final product, as in the published generator.  Branch-free: the sign
+// of p1 - p2 is a coin toss, which a branch would mispredict half the time.
+double output(u64 p1, u64 p2, u64 m1, double f) {
+    const int64_t d = int64_t(p1) - int64_t(p2);  // |d| < 2^32
+    return double(d + (int64_t(m1) & -int64_t(d <= 0))) * f;
+}
 
-// p mod m by floor division.  The floor is exact: with the published
-// multipliers |p/m| < 2^21, where doubles lie at most 2^-32 apart, while
-// p/m is either an integer or more than 1/m > 2^-32 away from one, so it
-// never rounds onto the integer above.
-double reduce(double p, double m) { return p - std::floor(p / m) * m; }
+// p mod m for p < 2^54 and m = 2^32 - c, folding the high half by
+// 2^32 = c (mod m) twice, then one subtraction: with c < 2^15 the second
+// fold leaves less than 2 m.
+template <u64 c>
+inline u64 reduce(u64 p) {
+    constexpr u64 low = 0xffffffffu;
+    p = (p >> 32) * c + (p & low);
+    p = (p >> 32) * c + (p & low);
+    constexpr u64 m = (u64(1) << 32) - c;
+    return p >= m ? p - m : p;
+}
+
+// Does the state hold the published multipliers and moduli (every state
+// this library makes does)?  Then its plain stream runs on constants.
+bool published(const int64_t *state) {
+    return std::equal(multipliers, multipliers + 6, state + at_mult) &&
+           std::equal(modulus_offsets, modulus_offsets + 2, state + at_mod);
+}
 
 void fill(int64_t *state, int64_t n, double *u) {
     const int64_t length = state[at_length];
     Component c[2] = {read(state, 0), read(state, 1)};
-    const double m1 = double(c[0].m), m2 = double(c[1].m), f = 1.0 / (m1 + double(state[at_w]));
-    if (state[length - 3] != 1) {
-        // Leap-frogged: every value is n steps on, by the stored matrices.
+    const double f = 1.0 / (double(c[0].m) + double(state[at_w]));
+    if (state[length - 3] == 1 && published(state)) {
+        // Negative multipliers enter as m - s, so every sum is a positive
+        // integer below 2^54.
+        constexpr u64 c1 = -modulus_offsets[0], c2 = -modulus_offsets[1];
+        constexpr u64 m1 = two32 - c1, m2 = two32 - c2;
+        constexpr u64 a12 = multipliers[1], a13 = -multipliers[2], a21 = multipliers[3], a23 = -multipliers[5];
+        u64 s10 = c[0].s[0], s11 = c[0].s[1], s12 = c[0].s[2];
+        u64 s20 = c[1].s[0], s21 = c[1].s[1], s22 = c[1].s[2];
+        for (int64_t i = 0; i < n; ++i) {
+            const u64 p1 = reduce<c1>(a12 * s11 + a13 * (m1 - s10));
+            const u64 p2 = reduce<c2>(a21 * s22 + a23 * (m2 - s20));
+            s10 = s11, s11 = s12, s12 = p1;
+            s20 = s21, s21 = s22, s22 = p2;
+            u[i] = output(p1, p2, m1, f);
+        }
+        c[0] = {m1, c[0].a, {s10, s11, s12}};
+        c[1] = {m2, c[1].a, {s20, s21, s22}};
+    } else {
+        // Leap-frogged (or foreign multipliers): every value is the stored
+        // matrices times the words, each product reduced before the sum.
         for (int64_t i = 0; i < n; ++i) {
             for (Component &x : c) times(x.a, x.m, x.s);
-            u[i] = output(double(c[0].s[2]), double(c[1].s[2]), m1, f);
+            u[i] = output(c[0].s[2], c[1].s[2], c[0].m, f);
         }
-        write(state, c[0], 0);
-        write(state, c[1], 1);
-        return;
     }
-    double s[6], a[6];
-    for (int k = 0; k < 6; ++k) {
-        s[k] = double(c[k / 3].s[k % 3]);
-        a[k] = double(state[at_mult + k]);
-    }
-    for (int64_t i = 0; i < n; ++i) {
-        const double p1 = reduce(a[0] * s[2] + a[1] * s[1] + a[2] * s[0], m1);
-        const double p2 = reduce(a[3] * s[5] + a[4] * s[4] + a[5] * s[3], m2);
-        s[0] = s[1], s[1] = s[2], s[2] = p1;
-        s[3] = s[4], s[4] = s[5], s[5] = p2;
-        u[i] = output(p1, p2, m1, f);
-    }
-    // Only a damaged state's multipliers could leave a word out of range.
-    for (int k = 0; k < 6; ++k) state[at_s + k] = s[k] >= 0.0 && s[k] < 0x1p32 ? int64_t(s[k]) : 0;
+    write(state, c[0], 0);
+    write(state, c[1], 1);
 }
 
 // Each component's words times (stored matrix)^exponent(m).
