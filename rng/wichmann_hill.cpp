@@ -18,7 +18,6 @@
 // the new multiplier); skips multiply x by powers of the stored a.  The
 // moduli are prime, so a^(m-1) = 1 and exponents are reduced mod m - 1.
 #include <algorithm>
-#include <cmath>
 #include <cstdint>
 
 #include "rng/basic.hpp"
@@ -143,53 +142,72 @@ SeedStatus wh2_seed(int64_t, const int64_t *seed, int64_t lseed, int64_t *state,
 bool wh1_length_ok(const int64_t *, int64_t length) { return length == wh1_block + frame_words; }
 bool wh2_length_ok(const int64_t *, int64_t length) { return length == wh2_block + frame_words; }
 
-// u = 1 - frac(s), s = sum x_j (1/m_j), the reciprocals formed once.
-void wh1_fill(int64_t *state, int64_t n, double *u) {
+// a x mod m by Barrett's reduction with the reciprocal formed once: the
+// streams' moduli are run-time values, and a 64-bit division per component
+// would cost more than everything else a value takes.  With p = a x < 2^62
+// and inv = floor((2^64 - 1)/m), the estimated quotient p inv / 2^64 is
+// the true one or one less, so one subtraction corrects it.
+struct Step {
+    u64 a = 0, m = 1, inv = ~u64(0);
+    Step() = default;
+    explicit Step(const Component &c) : a(c.a), m(c.m), inv(~u64(0) / c.m) {}
+    u64 operator()(u64 x) const {
+        const u64 p = a * x;
+        const u64 r = p - u64((unsigned __int128)p * inv >> 64) * m;
+        return r >= m ? r - m : r;
+    }
+};
+
+// The four components' next words, and s = sum x_j (1/m_j).
+struct Components {
     Component c[4];
-    read(state, c);
+    Step step[4];
     double reciprocal[4];
-    for (int j = 0; j < 4; ++j) reciprocal[j] = 1.0 / double(c[j].m);
-    for (int64_t i = 0; i < n; ++i) {
+    explicit Components(const int64_t *state) {
+        read(state, c);
+        for (int j = 0; j < 4; ++j) {
+            step[j] = Step(c[j]);
+            reciprocal[j] = 1.0 / double(c[j].m);
+        }
+    }
+    double next() {
         double s = 0.0;
         for (int j = 0; j < 4; ++j) {
-            c[j].x = c[j].a * c[j].x % c[j].m;
+            c[j].x = step[j](c[j].x);
             s += double(c[j].x) * reciprocal[j];
         }
-        u[i] = 1.0 - (s - std::floor(s));
+        return s;
     }
-    for (int j = 0; j < 4; ++j) state[at_x + j] = int64_t(c[j].x);
+    void store(int64_t *state) const {
+        for (int j = 0; j < 4; ++j) state[at_x + j] = int64_t(c[j].x);
+    }
+};
+
+// The whole part of s >= 0 (below 4) by conversion, which unlike floor
+// needs no library call on baseline x86-64.
+double whole(double s) { return double(int64_t(s)); }
+
+// u = 1 - frac(s).
+void wh1_fill(int64_t *state, int64_t n, double *u) {
+    Components c(state);
+    for (int64_t i = 0; i < n; ++i) {
+        const double s = c.next();
+        u[i] = 1.0 - (s - whole(s));
+    }
+    c.store(state);
 }
 
-// u = frac(s).  Products by Schrage's method, a (x mod q) - r (x div q),
-// which needs r < q; a leap-frogged multiplier may break that, and then
-// the exact 64-bit product (the same value) is used.
+// u = frac(s).  The generator's definition forms a x mod m by Schrage's
+// method, which keeps every product in 32 bits; the exact 64-bit product
+// gives the same value, so the pairs (q, r) kept in the state are not
+// needed here.
 void wh2_fill(int64_t *state, int64_t n, double *u) {
-    Component c[4];
-    read(state, c);
-    int64_t q[4], r[4];
-    bool schrage[4];
-    double reciprocal[4];
-    for (int j = 0; j < 4; ++j) {
-        c[j].x %= c[j].m;
-        q[j] = int64_t(word(state[at_q + j]));
-        r[j] = int64_t(word(state[at_r + j]));
-        schrage[j] = q[j] > 0 && r[j] < q[j] && u64(q[j]) * c[j].a + u64(r[j]) == c[j].m;
-        reciprocal[j] = 1.0 / double(c[j].m);
-    }
+    Components c(state);
     for (int64_t i = 0; i < n; ++i) {
-        double s = 0.0;
-        for (int j = 0; j < 4; ++j) {
-            if (schrage[j]) {
-                const int64_t x = int64_t(c[j].x), t = int64_t(c[j].a) * (x % q[j]) - r[j] * (x / q[j]);
-                c[j].x = u64(t < 0 ? t + int64_t(c[j].m) : t);
-            } else {
-                c[j].x = c[j].a * c[j].x % c[j].m;
-            }
-            s += double(c[j].x) * reciprocal[j];
-        }
-        u[i] = s - std::trunc(s);
+        const double s = c.next();
+        u[i] = s - whole(s);
     }
-    for (int j = 0; j < 4; ++j) state[at_x + j] = int64_t(c[j].x);
+    c.store(state);
 }
 
 // x_j <- a_j^e x_j with e = exponent(m_j) (already reduced mod m_j - 1).
