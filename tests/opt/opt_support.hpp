@@ -4,13 +4,10 @@
 #pragma once
 
 #include <gtest/gtest.h>
-#include <stdlib.h>
 #include <unistd.h>
 
 #include <cstdint>
-#include <fstream>
 #include <functional>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -35,6 +32,7 @@
 #include "e04ry_def.hpp"
 #include "e04rz_def.hpp"
 #include "kor.h"
+#include "support/files.hpp"
 
 namespace opt_test {
 
@@ -42,38 +40,10 @@ enum class Api { c, fortran };
 inline const char *name(Api a) { return a == Api::c ? "C" : "Fortran"; }
 inline constexpr Api both[] = {Api::c, Api::fortran};
 
-inline std::string read_file(const std::string &path) {
-    std::ifstream in(path, std::ios::binary);
-    std::stringstream s;
-    s << in.rdbuf();
-    return s.str();
-}
-
-inline void write_file(const std::string &path, const std::string &text) {
-    std::ofstream(path, std::ios::binary) << text;
-}
-
-inline std::vector<std::string> split_lines(const std::string &text) {
-    std::vector<std::string> lines;
-    std::stringstream s(text);
-    std::string line;
-    while (std::getline(s, line)) lines.push_back(line);
-    return lines;
-}
-
-// A scratch directory removed at the end.
-class Scratch {
-public:
-    Scratch() {
-        char name[] = "/tmp/kor_opt_XXXXXX";
-        path_ = mkdtemp(name) ? name : "/tmp";
-    }
-    ~Scratch() { std::system(("rm -rf '" + path_ + "'").c_str()); }
-    std::string file(const std::string &name) const { return path_ + "/" + name; }
-
-private:
-    std::string path_;
-};
+using kor::test::read_file;
+using kor::test::split_lines;
+using kor::test::write_file;
+using Scratch = kor::test::ScratchDir;
 
 // What a call reported, through either interface.  For the Fortran-style
 // interface: the IFAIL returned and the "** " message lines it printed

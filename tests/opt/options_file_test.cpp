@@ -92,7 +92,7 @@ TEST(E04zp, EveryOutcomeThroughBothInterfaces) {
         {
             Handle h;
             const int64_t unit = open_unit(path, 0);
-            KorError fail = fresh();
+            KorError fail = fresh_error();
             e04zpc(h.get(), unit, &fail);
             close_unit(unit);
             EXPECT_EQ(fail.code, c.code);
@@ -122,7 +122,7 @@ TEST(E04zp, FailedLineLeavesItsOptionUnchanged) {
     write_file(dir.file("o.txt"), "Begin\nPrint Level = 3\nTask = Max\nPrint Level = 9\nEnd\n");
     Handle h;
     const int64_t unit = open_unit(dir.file("o.txt"), 0);
-    KorError fail = fresh();
+    KorError fail = fresh_error();
     e04zpc(h.get(), unit, &fail);
     close_unit(unit);
     EXPECT_EQ(fail.code, NE_INVALID_VALUE);
@@ -151,7 +151,7 @@ TEST(E04zp, LineNumbersCountFromTheFilesFirstLine) {
     // The caller reads the first record itself.
     std::string first;
     ASSERT_EQ(frame::units::read_record(unit, first), frame::units::ReadStatus::ok);
-    KorError fail = fresh();
+    KorError fail = fresh_error();
     e04zpc(h.get(), unit, &fail);
     EXPECT_EQ(fail.code, NE_NOERROR) << fail.message;
     EXPECT_EQ(h.store().get(opt::slot::print_level), 1);
@@ -171,7 +171,7 @@ TEST(E04zp, UnitsThatCannotBeRead) {
     const int64_t out = open_unit(dir.file("w.txt"), 1);
     for (int64_t unit : {int64_t(-1), int64_t(6), int64_t(99), out}) {
         SCOPED_TRACE(unit);
-        KorError fail = fresh();
+        KorError fail = fresh_error();
         e04zpc(h.get(), unit, &fail);
         EXPECT_EQ(std::string(fail.message),
                   "NE_NOT_READ_FILE:\n  End-of-file or read error detected before BEGIN was found.");
@@ -187,7 +187,7 @@ TEST(E04zp, LongAndBinaryLines) {
     write_file(dir.file("o.txt"), content);
     Handle h;
     int64_t unit = open_unit(dir.file("o.txt"), 0);
-    KorError fail = fresh();
+    KorError fail = fresh_error();
     e04zpc(h.get(), unit, &fail);
     close_unit(unit);
     EXPECT_EQ(std::string(fail.message),

@@ -3,13 +3,10 @@
 #pragma once
 
 #include <gtest/gtest.h>
-#include <stdlib.h>
 
 #include <cstdint>
 #include <cstdio>
-#include <fstream>
 #include <functional>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -21,22 +18,29 @@
 #include "kor.h"
 #include "opt/handle.hpp"
 #include "opt/options.hpp"
+#include "support/files.hpp"
+#include "support/fortran_report.hpp"
 #include "tables/option_table.hpp"
 
 namespace kor::opt_test {
 
-inline KorError fresh() { return KorError KOR_ERROR_INIT; }
+using kor::test::close_unit;
+using kor::test::fresh_error;
+using kor::test::open_unit;
+using kor::test::read_file;
+using kor::test::ScratchDir;
+using kor::test::write_file;
 
 // A handle for the length of a test.
 class Handle {
 public:
     explicit Handle(int64_t nvar = 2) {
-        KorError fail = fresh();
+        KorError fail = fresh_error();
         e04rac(&handle_, nvar, &fail);
         EXPECT_EQ(fail.code, NE_NOERROR) << fail.message;
     }
     ~Handle() {
-        KorError fail = fresh();
+        KorError fail = fresh_error();
         if (handle_) e04rzc(&handle_, &fail);
     }
     Handle(const Handle &) = delete;
@@ -53,47 +57,6 @@ public:
 private:
     void *handle_ = nullptr;
 };
-
-// A directory of its own under /tmp, removed with its files at the end.
-class ScratchDir {
-public:
-    ScratchDir() {
-        char name[] = "/tmp/kor_options_XXXXXX";
-        path_ = mkdtemp(name) ? name : "";
-    }
-    ~ScratchDir() {
-        if (!path_.empty()) std::system(("rm -rf '" + path_ + "'").c_str());
-    }
-    std::string file(const std::string &name) const { return path_ + "/" + name; }
-
-private:
-    std::string path_;
-};
-
-inline std::string read_file(const std::string &path) {
-    std::ifstream in(path, std::ios::binary);
-    std::stringstream s;
-    s << in.rdbuf();
-    return s.str();
-}
-
-inline void write_file(const std::string &path, const std::string &text) {
-    std::ofstream(path, std::ios::binary) << text;
-}
-
-inline int64_t open_unit(const std::string &path, int64_t mode) {
-    KorError fail = fresh();
-    int64_t unit = -1;
-    kor_file_open(path.c_str(), mode, &unit, &fail);
-    EXPECT_EQ(fail.code, NE_NOERROR) << fail.message;
-    return unit;
-}
-
-inline void close_unit(int64_t unit) {
-    KorError fail = fresh();
-    kor_file_close(unit, &fail);
-    EXPECT_EQ(fail.code, NE_NOERROR) << fail.message;
-}
 
 // Runs `body` with the error unit (or the advisory unit) connected to a
 // scratch file and returns what was written there.
@@ -145,10 +108,7 @@ inline std::string fortran_report(const std::vector<std::string> &lines, const c
                                   int64_t ifail) {
     std::string out;
     for (const std::string &l : lines) out += l + "\n";
-    char trailer[100];
-    std::snprintf(trailer, sizeof trailer, " ** ABNORMAL EXIT from KOR Library routine %s: IFAIL =%6lld\n",
-                  routine, static_cast<long long>(ifail));
-    return out + trailer + " ** KOR soft failure - control returned\n";
+    return out + kor::test::abnormal_exit(routine, ifail);
 }
 
 // A real as the error records write it.

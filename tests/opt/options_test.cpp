@@ -112,7 +112,7 @@ TEST(OptionRegistry, PrintFileDefaultsToTheAdvisoryUnitAtLoadTime) {
     frame::units::set_advisory_unit(saved);
     EXPECT_EQ(h.store().get(opt::slot::print_file), 17);
     frame::units::set_advisory_unit(23);
-    KorError fail = fresh();
+    KorError fail = fresh_error();
     e04zmc(h.get(), "Print File = Default", &fail);
     frame::units::set_advisory_unit(saved);
     EXPECT_EQ(h.store().get(opt::slot::print_file), 23);
@@ -181,7 +181,7 @@ TEST(OptionRegistry, AliasesNameTheDerivativeFreeOptions) {
     }
     // Through e04zm, an alias sets the option itself.
     Handle h;
-    KorError fail = fresh();
+    KorError fail = fresh_error();
     e04zmc(h.get(), "dfls max objective calls = 77", &fail);
     EXPECT_EQ(fail.code, NE_NOERROR) << fail.message;
     EXPECT_EQ(h.store().get(opt::slot::dfo_max_objective_calls), 77);
@@ -263,7 +263,7 @@ void check_case(const Case &c) {
     SCOPED_TRACE("optstr = [" + c.optstr + "]");
     {
         Handle h;
-        KorError fail = fresh();
+        KorError fail = fresh_error();
         e04zmc(h.get(), c.optstr.c_str(), &fail);
         EXPECT_EQ(fail.code, c.code) << fail.message;
         EXPECT_EQ(std::string(fail.message), code_name(c.code) + ":\n  " + c.c);
@@ -357,7 +357,7 @@ TEST(E04zm, AcceptedSpellings) {
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.optstr);
-        KorError fail = fresh();
+        KorError fail = fresh_error();
         e04zmc(h.get(), c.optstr, &fail);
         EXPECT_EQ(opt::option_value_text(h.store(), c.option), c.value) << fail.message;
     }
@@ -367,7 +367,7 @@ TEST(E04zm, AcceptedSpellings) {
 // "Defaults" to the advisory unit; "Name = Default" resets one option.
 TEST(E04zm, DefaultsAndDefault) {
     Handle h;
-    KorError fail = fresh();
+    KorError fail = fresh_error();
     e04zmc(h.get(), "Infinite Bound Size = 5e3", &fail);
     e04zmc(h.get(), "Print Level = 5", &fail);
     e04zmc(h.get(), "Task = Maximize", &fail);
@@ -425,7 +425,7 @@ TEST(OptionTable, EveryOptionSetToItsDefaultAndReadBack) {
         // By long name, by short key and in lower case, through both interfaces.
         for (std::string name : {std::string(r.name), std::string(r.key), std::string(r.display)}) {
             for (char &c : name) c = char(std::tolower(c));
-            KorError fail = fresh();
+            KorError fail = fresh_error();
             e04zmc(h.get(), (name + " = " + default_text(r)).c_str(), &fail);
             EXPECT_EQ(fail.code, NE_NOERROR) << fail.message;
             EXPECT_EQ(h.store().origin(i), opt::Origin::by_caller);
@@ -436,7 +436,7 @@ TEST(OptionTable, EveryOptionSetToItsDefaultAndReadBack) {
         int64_t ivalue = -5, optype = 0;
         double rvalue = -5.0;
         char cvalue[31];
-        KorError fail = fresh();
+        KorError fail = fresh_error();
         e04znc(h.get(), std::string(r.name).c_str(), &ivalue, &rvalue, cvalue, sizeof cvalue, &optype, &fail);
         ASSERT_EQ(fail.code, NE_NOERROR) << fail.message;
         const FortranValue f = e04zn_fortran(h.get(), std::string(r.key));
@@ -478,7 +478,7 @@ TEST(OptionTable, EveryKeywordOptionTakesEveryKeyword) {
             for (char &c : lower) c = char(std::tolower(c));
             for (const std::string &value : {std::string(w.word), lower}) {
                 opt::options(h.problem()).load_defaults();
-                KorError fail = fresh();
+                KorError fail = fresh_error();
                 e04zmc(h.get(), (std::string(r.key) + " = " + value).c_str(), &fail);
                 EXPECT_EQ(fail.code, NE_NOERROR) << fail.message;
                 EXPECT_EQ(h.store().keyword(slot), w.word);
@@ -541,7 +541,7 @@ TEST(OptionTable, BoundsJustInsideAndOutside) {
                 // The other bound may be violated by the value inside this one
                 // only when the range is a single point, which no option has.
                 Handle h;
-                KorError fail = fresh();
+                KorError fail = fresh_error();
                 e04zmc(h.get(), optstr.c_str(), &fail);
                 EXPECT_EQ(fail.code, NE_NOERROR) << optstr << ": " << fail.message;
                 EXPECT_EQ(opt::option_value_text(h.store(), i), integer ? p.text : real_text(std::strtod(p.text.c_str(), nullptr)));
@@ -564,7 +564,7 @@ TEST(E04zn, UnknownNamesAndOutputs) {
         int64_t ivalue = -3, optype = -3;
         double rvalue = -3.0;
         char cvalue[8] = "unset";
-        KorError fail = fresh();
+        KorError fail = fresh_error();
         e04znc(h.get(), c.optstr.c_str(), &ivalue, &rvalue, cvalue, sizeof cvalue, &optype, &fail);
         EXPECT_EQ(fail.code, c.code);
         EXPECT_EQ(std::string(fail.message), code_name(c.code) + ":\n  " + c.c);
@@ -576,7 +576,7 @@ TEST(E04zn, UnknownNamesAndOutputs) {
         EXPECT_EQ(out, fortran_report(c.fortran, "E04ZNF", c.ifail));
     }
     // A short cvalue receives the beginning of the keyword, terminated.
-    KorError fail = fresh();
+    KorError fail = fresh_error();
     e04zmc(h.get(), "Task = Feasible Point", &fail);
     int64_t ivalue = 0, optype = 0;
     double rvalue = 0;
@@ -627,7 +627,7 @@ std::vector<Routine> routines(int64_t unit) {
 void expect_refusal(const Routine &r, void *handle, int code, const std::string &text, int64_t ifail,
                     const std::vector<std::string> &lines) {
     SCOPED_TRACE(r.name);
-    KorError fail = fresh();
+    KorError fail = fresh_error();
     r.c(handle, &fail);
     EXPECT_EQ(fail.code, code);
     EXPECT_EQ(std::string(fail.message), code_name(code) + ":\n  " + text);
@@ -653,7 +653,7 @@ TEST(OptionRoutines, RefuseWhileASolverRuns) {
     // After the solver returns, the same calls work.
     const int64_t unit = open_unit(dir.file("o.txt"), 0);
     for (const Routine &r : routines(unit)) {
-        KorError fail = fresh();
+        KorError fail = fresh_error();
         r.c(h.get(), &fail);
         EXPECT_EQ(fail.code, NE_NOERROR) << r.name << ": " << fail.message;
     }
@@ -661,7 +661,7 @@ TEST(OptionRoutines, RefuseWhileASolverRuns) {
     EXPECT_EQ(h.store().get(opt::slot::print_level), 4);
     {
         opt::SolverPhase running(p);
-        KorError fail = fresh();
+        KorError fail = fresh_error();
         e04zmc(h.get(), "Defaults", &fail);
         EXPECT_EQ(fail.code, NE_PHASE);
     }
@@ -689,7 +689,7 @@ TEST(OptionRoutines, CheckTheHandle) {
     }
     // A handle freed by e04rz is null, and reported so.
     Handle h;
-    KorError fail = fresh();
+    KorError fail = fresh_error();
     e04rzc(h.address(), &fail);
     e04zmc(h.get(), "Print Level = 1", &fail);
     EXPECT_EQ(fail.code, NE_HANDLE);
@@ -731,16 +731,9 @@ TEST(OptionText, QuotedFieldsJoinToTheQuotedText) {
 // ---------------------------------------------------------------------------
 // Listing
 
-std::vector<std::string> lines_of(const std::string &text) {
-    std::vector<std::string> lines;
-    std::stringstream s(text);
-    for (std::string l; std::getline(s, l);) lines.push_back(l);
-    return lines;
-}
-
 TEST(OptionListing, NormalAndFullListings) {
     Handle h;
-    KorError fail = fresh();
+    KorError fail = fresh_error();
     e04zmc(h.get(), "Print Level = 4", &fail);
     e04zmc(h.get(), "Task = Max", &fail);
     const auto listing = [&](bool full) {
@@ -749,7 +742,7 @@ TEST(OptionListing, NormalAndFullListings) {
             ok = opt::print_options(h.store(), frame::units::advisory_unit(), full);
         });
         EXPECT_TRUE(ok);
-        return lines_of(out);
+        return kor::test::split_lines(out);
     };
     int hidden = 0;
     for (int i = 0; i < table::option_count; ++i) hidden += row(i).hidden;

@@ -7,19 +7,17 @@
 #include <vector>
 
 #include "quad/quad_cases.hpp"
+#include "support/fortran_report.hpp"
 #include "support/process.hpp"
 
 using namespace quad_test;
+using kor::test::FortranCase;
+using kor::test::failure_lines;
 using kor::test::probe;
+using kor::test::probe_output;
 using kor::test::run_process;
 
 namespace {
-
-struct FortranCase {
-    std::string label;
-    int ifail;
-    std::vector<std::string> lines;  // message lines, or the success line
-};
 
 int64_t bits(double x) {
     int64_t b;
@@ -74,44 +72,17 @@ std::vector<FortranCase> cases() {
     // clang-format on
 }
 
-std::string routine_of(const FortranCase &c) {
-    std::string r = c.label.substr(0, 6);
-    for (char &ch : r) ch = char(std::toupper(ch));
-    return r;
-}
-
-std::string failure_lines(const FortranCase &c, bool hard) {
-    std::string out;
-    for (const std::string &line : c.lines) out += line + "\n";
-    char ifail[16];
-    std::snprintf(ifail, sizeof ifail, "%6d", c.ifail);
-    out += " ** ABNORMAL EXIT from KOR Library routine " + routine_of(c) + ": IFAIL =" + ifail + "\n";
-    return out + (hard ? " ** KOR hard failure - execution terminated\n"
-                       : " ** KOR soft failure - control returned\n");
-}
-
-std::string expected_output(bool noisy) {
-    std::string out;
-    for (const FortranCase &c : cases()) {
-        out += c.label + "\n";
-        if (noisy && c.ifail != 0) out += failure_lines(c, false);
-        out += "ifail = " + std::to_string(c.ifail) + "\n";
-        if (c.ifail == 0) out += c.lines.front() + "\n";
-    }
-    return out;
-}
-
 TEST(QuadFortran, QuietFailureOnlySetsIfail) {
     const auto r = run_process(probe("quad_fortran_probe"), {"quiet"});
     EXPECT_EQ(r.status, 0);
-    EXPECT_EQ(r.out, expected_output(false));
+    EXPECT_EQ(r.out, probe_output(cases(), false));
     EXPECT_EQ(r.err, "");
 }
 
 TEST(QuadFortran, NoisyFailurePrintsTheMessageAndReturns) {
     const auto r = run_process(probe("quad_fortran_probe"), {"noisy"});
     EXPECT_EQ(r.status, 0);
-    EXPECT_EQ(r.out, expected_output(true));
+    EXPECT_EQ(r.out, probe_output(cases(), true));
     EXPECT_EQ(r.err, "");
 }
 

@@ -1,25 +1,22 @@
 // The Fortran-style interfaces c05ayf and c05azf, run in the probe program
 // c05_fortran_probe: IFAIL values, the exact message lines, and the three
 // ways of failing (quiet, noisy, hard).
-#include <cctype>
 #include <cmath>
 #include <string>
 #include <vector>
 
 #include "roots/brent_cases.hpp"
+#include "support/fortran_report.hpp"
 #include "support/process.hpp"
 
 using namespace roots_test;
+using kor::test::FortranCase;
+using kor::test::failure_lines;
 using kor::test::probe;
+using kor::test::probe_output;
 using kor::test::run_process;
 
 namespace {
-
-struct FortranCase {
-    std::string label;               // "c05ayf ..." or "c05azf ...": names the routine
-    int ifail;                       // the IFAIL returned
-    std::vector<std::string> lines;  // the message lines of a noisy failure
-};
 
 // The last line of a successful search: the bits of x and the number of
 // function values, taken from the same search through the C interface.
@@ -83,37 +80,12 @@ std::vector<FortranCase> fortran_cases() {
     // clang-format on
 }
 
-// The lines of a noisy or hard failure: the message, the exit line, and the
-// line that says what happens next.
-std::string failure_lines(const FortranCase &c, bool hard) {
-    std::string routine = c.label.substr(0, 6), out;
-    for (char &ch : routine) ch = char(std::toupper(ch));
-    for (const std::string &line : c.lines) out += line + "\n";
-    out += " ** ABNORMAL EXIT from KOR Library routine " + routine +
-           ": IFAIL =     " + std::to_string(c.ifail) + "\n";
-    return out + (hard ? " ** KOR hard failure - execution terminated\n"
-                       : " ** KOR soft failure - control returned\n");
-}
-
-// The whole output of the probe: each case's label, then (when noisy) the
-// library's lines, then the IFAIL returned.
-std::string expected_output(bool noisy) {
-    std::string out;
-    for (const FortranCase &c : fortran_cases()) {
-        out += c.label + "\n";
-        if (noisy && c.ifail != 0) out += failure_lines(c, false);
-        out += "ifail = " + std::to_string(c.ifail) + "\n";
-        if (c.ifail == 0) out += c.lines.front() + "\n";
-    }
-    return out;
-}
-
 TEST(C05Fortran, QuietFailureOnlySetsIfail) {
     for (const char *mode : {"quiet", "two"}) {  // IFAIL = 2 on entry is quiet as well
         SCOPED_TRACE(mode);
         const auto r = run_process(probe("c05_fortran_probe"), {mode});
         EXPECT_EQ(r.status, 0);
-        EXPECT_EQ(r.out, expected_output(false));
+        EXPECT_EQ(r.out, probe_output(fortran_cases(), false));
         EXPECT_EQ(r.err, "");
     }
 }
@@ -121,7 +93,7 @@ TEST(C05Fortran, QuietFailureOnlySetsIfail) {
 TEST(C05Fortran, NoisyFailurePrintsTheMessageAndReturns) {
     const auto r = run_process(probe("c05_fortran_probe"), {"noisy"});
     EXPECT_EQ(r.status, 0);
-    EXPECT_EQ(r.out, expected_output(true));
+    EXPECT_EQ(r.out, probe_output(fortran_cases(), true));
     EXPECT_EQ(r.err, "");
 }
 

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "specfun/specfun_support.hpp"
+#include "support/fortran_report.hpp"
 #include "support/process.hpp"
 
 using namespace specfun_test;
@@ -22,13 +23,7 @@ std::string shown(const std::string &label, double value, int ifail) {
     return label + " " + hex + " ifail=" + std::to_string(ifail) + "\n";
 }
 
-std::string abnormal(const char *routine, int ifail, bool hard = false) {
-    char line[80];
-    std::snprintf(line, sizeof line, " ** ABNORMAL EXIT from KOR Library routine %s: IFAIL =%6d\n",
-                  routine, ifail);
-    return std::string(line) + (hard ? " ** KOR hard failure - execution terminated\n"
-                                     : " ** KOR soft failure - control returned\n");
-}
+using kor::test::abnormal_exit;
 
 TEST(FortranInterface, ValuesIfailAndMessages) {
     const auto run = kor::test::run_process(kor::test::probe("specfun_fortran_probe"), {"soft"});
@@ -53,7 +48,7 @@ TEST(FortranInterface, ValuesIfailAndMessages) {
         shown("s14abf(0.5)", lg_half, 0) +
         "** On entry, x = -3.5e+00.\n"
         "** Constraint: x > 0.0.\n" +
-        abnormal("S14ABF", 1) +
+        abnormal_exit("S14ABF", 1) +
         shown("s14abf(-3.5)", 0.0, 1) +
         shown("s14abf(2.56e305)", DBL_MAX, 2) +
         shown("s14aaf(5.0)", gamma5, 0) +
@@ -62,7 +57,7 @@ TEST(FortranInterface, ValuesIfailAndMessages) {
         "** Constraint: x <= 1.7e+02.\n"
         "** The argument is too large, the function returns the approximate value of\n"
         "** Gamma(x) at the nearest valid argument.\n" +
-        abnormal("S14AAF", 1) +
+        abnormal_exit("S14AAF", 1) +
         shown("s14aaf(170.5)", 4.3e304, 1) +
         shown("s15abf(0.0)", 0.5, 0) +
         shown("s15acf(0.0)", 0.5, 0) +
@@ -74,16 +69,16 @@ TEST(FortranInterface, ValuesIfailAndMessages) {
         shown("g01eaf(c)", central, 0) +
         "** On entry, tail = 'q'\n"
         "** Constraint: tail = 'L', 'U', 'S' or 'C'.\n" +
-        abnormal("G01EAF", 1) +
+        abnormal_exit("G01EAF", 1) +
         shown("g01eaf(q)", 0.0, 1) +
         shown("g01faf(S,0.05)", z, 0) +
         "** On entry, p = 0.0e+00\n"
         "** Constraint: p > 0.0.\n" +
-        abnormal("G01FAF", 2) +
+        abnormal_exit("G01FAF", 2) +
         shown("g01faf(L,0.0)", 0.0, 2) +
         "** On entry, p = 1.0e+00\n"
         "** Constraint: p < 1.0.\n" +
-        abnormal("G01FAF", 2) +
+        abnormal_exit("G01FAF", 2) +
         shown("g01faf(l,1.0)", 0.0, 2) +
         shown("g01faf(x,0.0)", 0.0, 1);
     EXPECT_EQ(run.status, 0);
@@ -97,7 +92,7 @@ TEST(FortranInterface, HardFailureEndsTheProcess) {
     EXPECT_EQ(run.err, "");
     EXPECT_EQ(run.out, "** On entry, x = 0.0e+00.\n"
                        "** Constraint: x > 0.0.\n" +
-                           abnormal("S14ABF", 1, true));
+                           abnormal_exit("S14ABF", 1, true));
 }
 
 TEST(NullFail, FailureEndsTheProcess) {
