@@ -28,11 +28,13 @@
 #include "g05se_def.hpp"
 #include "g05sg_def.hpp"
 #include "kor.h"
+#include "rng/rng_support.hpp"
 #include "specfun/inverse_normal.hpp"
 
 namespace {
 
-using State = std::vector<int64_t>;
+using kor::rng_test::corrupt_message;
+using kor::rng_test::State;
 constexpr double pi = 3.14159265358979323846;
 
 // An initialised state of the given generator, or an empty one when that
@@ -643,7 +645,6 @@ TEST(DistributionStream, NoVariatesLeaveEverythingAlone) {
 }
 
 TEST(DistributionStream, DamagedStateIsRefusedByEveryRoutine) {
-    const std::string corrupt = "NE_INT_ARRAY:\n  On entry, state vector has been corrupted or not initialized.";
     for (const Routine &r : routines()) {
         for (const auto &[position, value] : std::vector<std::pair<size_t, int64_t>>{{1, 1235}, {0, 16}, {2, 7}, {15, 0}}) {
             State state = basic_state(5);
@@ -652,7 +653,7 @@ TEST(DistributionStream, DamagedStateIsRefusedByEveryRoutine) {
             std::vector<double> x(6, -7.5);
             KorError fail = KOR_ERROR_INIT;
             r.call(6, state.data(), x.data(), &fail);
-            EXPECT_EQ(fail.message, corrupt) << r.name;
+            EXPECT_EQ(fail.message, corrupt_message) << r.name;
             EXPECT_EQ(state, before) << r.name;
             EXPECT_EQ(x, std::vector<double>(6, -7.5)) << r.name;
         }
@@ -662,7 +663,7 @@ TEST(DistributionStream, DamagedStateIsRefusedByEveryRoutine) {
         KorError fail = KOR_ERROR_INIT;
         double x[1];
         r.call(-3, state.data(), x, &fail);
-        EXPECT_EQ(fail.message, corrupt) << r.name;
+        EXPECT_EQ(fail.message, corrupt_message) << r.name;
     }
 }
 

@@ -15,12 +15,14 @@
 #include <vector>
 
 #include "kor.h"
+#include "rng/rng_support.hpp"
 
 namespace {
 
 using u64 = uint64_t;
 using u128 = unsigned __int128;
-using Words = std::vector<int64_t>;
+using namespace kor::rng_test;
+using Words = State;
 using Fields = std::vector<std::string>;
 
 std::vector<Fields> read_lines(const std::string &path) {
@@ -43,43 +45,6 @@ std::vector<Fields> reference(const std::string &name) {
 
 int64_t integer(const std::string &s) { return std::stoll(s); }
 double real(const std::string &s) { return std::strtod(s.c_str(), nullptr); }
-
-int64_t query(Kor_BaseGenerator genid, int64_t subid) {
-    int64_t seed = 1, lstate = 0;
-    KorError fail = KOR_ERROR_INIT;
-    g05kfc(genid, subid, &seed, 1, nullptr, &lstate, &fail);
-    EXPECT_EQ(fail.code, NE_NOERROR) << fail.message;
-    return lstate;
-}
-
-Words init(Kor_BaseGenerator genid, int64_t subid, Words seed) {
-    int64_t lstate = query(genid, subid);
-    Words state(size_t(lstate), -9);
-    KorError fail = KOR_ERROR_INIT;
-    g05kfc(genid, subid, seed.data(), int64_t(seed.size()), state.data(), &lstate, &fail);
-    EXPECT_EQ(fail.code, NE_NOERROR) << fail.message;
-    return state;
-}
-
-std::vector<double> draw(Words &state, int64_t n) {
-    std::vector<double> x(static_cast<size_t>(n));
-    KorError fail = KOR_ERROR_INIT;
-    g05sac(n, state.data(), x.data(), &fail);
-    EXPECT_EQ(fail.code, NE_NOERROR) << fail.message;
-    return x;
-}
-
-void skip(Words &state, int64_t n) {
-    KorError fail = KOR_ERROR_INIT;
-    g05kjc(n, state.data(), &fail);
-    EXPECT_EQ(fail.code, NE_NOERROR) << fail.message;
-}
-
-void skip_power(Words &state, int64_t e) {
-    KorError fail = KOR_ERROR_INIT;
-    g05kkc(e, state.data(), &fail);
-    EXPECT_EQ(fail.code, NE_NOERROR) << fail.message;
-}
 
 u64 power_mod(u64 a, u64 e, u64 m) {
     u64 r = 1;

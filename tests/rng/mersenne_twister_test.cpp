@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "kor.h"
+#include "rng/rng_support.hpp"
 
 namespace kor::rng {
 // The polynomial jump whatever the count (g05kj steps short skips instead).
@@ -19,25 +20,10 @@ void mersenne_twister_jump(int64_t *state, uint64_t high, uint64_t low);
 
 namespace {
 
-using State = std::vector<int64_t>;
-
-const std::string corrupt_message = "NE_INT_ARRAY:\n  On entry, state vector has been corrupted or not initialized.";
+using namespace kor::rng_test;
 
 State mt_state(std::vector<int64_t> seeds, int64_t lstate = 1260) {
-    State state(size_t(lstate), -1);
-    KorError fail = KOR_ERROR_INIT;
-    g05kfc(Kor_MersenneTwister, 1, seeds.data(), int64_t(seeds.size()), state.data(), &lstate, &fail);
-    EXPECT_EQ(fail.code, NE_NOERROR) << fail.message;
-    return state;
-}
-
-std::vector<double> draw(State &state, int64_t n) {
-    if (n == 0) return {};
-    std::vector<double> x(static_cast<size_t>(n));
-    KorError fail = KOR_ERROR_INIT;
-    g05sac(n, state.data(), x.data(), &fail);
-    EXPECT_EQ(fail.code, NE_NOERROR) << fail.message;
-    return x;
+    return init(Kor_MersenneTwister, 1, seeds, lstate);
 }
 
 // The uniform the library documents for a tempered word y: y read as a
@@ -52,24 +38,6 @@ std::vector<double> oracle(uint32_t seed, uint64_t first, int64_t n) {
     std::vector<double> x(static_cast<size_t>(n));
     for (double &v : x) v = uniform_of(uint32_t(engine()));
     return x;
-}
-
-void skip(State &state, int64_t n) {
-    KorError fail = KOR_ERROR_INIT;
-    g05kjc(n, state.data(), &fail);
-    ASSERT_EQ(fail.code, NE_NOERROR) << fail.message;
-}
-
-void skip_power(State &state, int64_t e) {
-    KorError fail = KOR_ERROR_INIT;
-    g05kkc(e, state.data(), &fail);
-    ASSERT_EQ(fail.code, NE_NOERROR) << fail.message;
-}
-
-void leapfrog(State &state, int64_t n, int64_t k) {
-    KorError fail = KOR_ERROR_INIT;
-    g05khc(n, k, state.data(), &fail);
-    ASSERT_EQ(fail.code, NE_NOERROR) << fail.message;
 }
 
 // Published genrand_int32 outputs (mt19937ar; the 10000th of init_genrand

@@ -10,18 +10,14 @@
 #include <vector>
 
 #include "kor.h"
+#include "rng/rng_support.hpp"
 #include "specfun/inverse_normal.hpp"
 
 namespace {
 
-std::vector<int64_t> basic_state(int64_t seed) {
-    std::vector<int64_t> state(17);
-    int64_t lstate = 17;
-    KorError fail = KOR_ERROR_INIT;
-    g05kfc(Kor_Basic, 0, &seed, 1, state.data(), &lstate, &fail);
-    EXPECT_EQ(fail.code, NE_NOERROR) << fail.message;
-    return state;
-}
+using namespace kor::rng_test;
+
+State basic_state(int64_t seed) { return init(Kor_Basic, 0, {seed}, 17); }
 
 // x <- 13^13 x mod 2^59 on the generator's own value; the uniform is
 // 1 - x/2^59 formed from the two 30-bit halves of 2x.
