@@ -12,6 +12,7 @@
 #include <gtest/gtest.h>
 
 #include "kor.h"
+#include "support/numbers.hpp"
 
 namespace roots_test {
 
@@ -112,9 +113,7 @@ Search drive(F f, double x, double y, double tolx, Kor_ErrorTest ir, int64_t sta
     }
 }
 
-// Two doubles with the same bits (so NaN matches NaN and -0.0 differs from 0.0).
-inline bool same_bits(double a, double b) { return std::memcmp(&a, &b, sizeof a) == 0; }
-
-inline double ulp(double x) { return std::nextafter(std::fabs(x), INFINITY) - std::fabs(x); }
+using kor::test::same_bits;
+using kor::test::ulp;
 
 }  // namespace roots_test

@@ -7,10 +7,10 @@
 
 #include <cmath>
 #include <cstdint>
-#include <cstring>
 #include <string>
 
 #include "kor.h"
+#include "support/numbers.hpp"
 
 namespace specfun_test {
 
@@ -34,19 +34,8 @@ inline Outcome call(double (*f)(Kor_Tail, double, KorError *), Kor_Tail tail, do
     return r;
 }
 
-// Same value and same sign of zero; two NaNs count as the same.
-inline bool same_bits(double a, double b) {
-    if (std::isnan(a) && std::isnan(b)) return true;
-    uint64_t x, y;
-    std::memcpy(&x, &a, sizeof x);
-    std::memcpy(&y, &b, sizeof y);
-    return x == y;
-}
-
-inline double ulp(double x) {
-    x = std::fabs(x);
-    return std::nextafter(x, inf) - x;
-}
+using kor::test::same_bits;
+using kor::test::ulp;
 
 // |c - r| / |r| in units of u.
 inline double rel_error(double c, double r) {
