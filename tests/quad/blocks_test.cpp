@@ -219,69 +219,45 @@ struct Order {
     }
 };
 
-TEST(OrderingList, TwoSubintervalsAreListedInOrder) {
-    Order o{{1.0, 3.0}, {0, 0}, 1, 1};
-    o.run(10, 2);
-    EXPECT_EQ(o.iord, (std::vector<int64_t>{1, 2}));
-    EXPECT_EQ(o.maxerr, 1);
-    EXPECT_EQ(o.errmax, 1.0);
-}
-
-TEST(OrderingList, InsertsBothHalves) {
-    // Subinterval 1 was bisected: its slot keeps error 5, the new 3 has 4;
-    // subinterval 2 (error 6) now leads.
-    Order o{{5, 6, 4}, {1, 2, 0}, 1, 1};
-    o.run(10, 3);
-    EXPECT_EQ(o.iord, (std::vector<int64_t>{2, 1, 3}));
-    EXPECT_EQ(o.maxerr, 2);
-    EXPECT_EQ(o.errmax, 6.0);
-}
-
-TEST(OrderingList, TiesKeepTheNewcomersAboveEqualErrors) {
-    // maxerr (error 5) meets an equal error: it stops above it.
-    Order a{{5, 5, 1}, {1, 2, 0}, 1, 1};
-    a.run(10, 3);
-    EXPECT_EQ(a.iord, (std::vector<int64_t>{1, 2, 3}));
-    // The new subinterval 4 (error 2) meets an equal error (subinterval 2):
-    // it goes above it.
-    Order b{{3, 2, 1, 2}, {1, 2, 3, 0}, 1, 1};
-    b.run(10, 4);
-    EXPECT_EQ(b.iord, (std::vector<int64_t>{1, 4, 2, 3}));
-}
-
-TEST(OrderingList, MovesUpOnlyPastStrictlySmallerErrors) {
-    // Bisecting subinterval 2 at position nrmax = 2 raised its error to 5.
-    Order up{{1, 5, 0.5, 0.2}, {1, 2, 3, 0}, 2, 2};
-    up.run(100, 4);
-    EXPECT_EQ(up.iord, (std::vector<int64_t>{2, 1, 3, 4}));
-    EXPECT_EQ(up.nrmax, 1);
-    EXPECT_EQ(up.maxerr, 2);
-    // An equal error above does not let it pass.
-    Order tie{{5, 5, 0.5, 0.2}, {1, 2, 3, 0}, 2, 2};
-    tie.run(100, 4);
-    EXPECT_EQ(tie.iord, (std::vector<int64_t>{1, 2, 3, 4}));
-    EXPECT_EQ(tie.nrmax, 2);
-    EXPECT_EQ(tie.maxerr, 2);
-}
-
-TEST(OrderingList, KeepsOnlyPositionsBelowJbndInOrder) {
-    // Subinterval 1 (position 1) was bisected into errors 1.0 and 0.9 (the
-    // new subinterval 6); the others have 4, 3, 2, 0.5.
-    const std::vector<double> e{1.0, 4, 3, 2, 0.5, 0.9};
-    // With room for many more bisections the whole list is ordered...
-    Order full{e, {1, 2, 3, 4, 5, 0}, 1, 1};
-    full.run(100, 6);
-    EXPECT_EQ(full.iord, (std::vector<int64_t>{2, 3, 4, 1, 6, 5}));
-    // ...but at the last bisection of maxsub = 6 jbnd = 6 + 3 - 6 = 3: only
-    // positions 1 and 2 are kept, and the two halves take positions 2 and 3.
-    Order last{e, {1, 2, 3, 4, 5, 0}, 1, 1};
-    last.run(6, 6);
-    EXPECT_EQ(last.iord, (std::vector<int64_t>{2, 1, 6, 4, 5, 0}));
-    EXPECT_EQ(last.maxerr, 2);
-    // jbnd = nsub as long as nsub <= maxsub/2 + 2 (here 12/2 + 2 = 8 >= 6).
-    Order mid{e, {1, 2, 3, 4, 5, 0}, 1, 1};
-    mid.run(12, 6);
-    EXPECT_EQ(mid.iord, full.iord);
+TEST(OrderingList, PlacesTheBisectedHalvesByError) {
+    struct Case {
+        const char *name;
+        Order before;
+        int64_t maxsub, nsub;
+        std::vector<int64_t> iord;
+        int64_t maxerr, nrmax;
+    };
+    // Subinterval 1 (position 1) bisected into errors 1.0 and 0.9 (the new
+    // subinterval 6); the others have 4, 3, 2, 0.5.
+    const Order six{{1.0, 4, 3, 2, 0.5, 0.9}, {1, 2, 3, 4, 5, 0}, 1, 1};
+    const Case cases[] = {
+        {"two subintervals", {{1.0, 3.0}, {0, 0}, 1, 1}, 10, 2, {1, 2}, 1, 1},
+        // Subinterval 1 keeps error 5, the new 3 has 4; 2 (error 6) leads.
+        {"both halves inserted", {{5, 6, 4}, {1, 2, 0}, 1, 1}, 10, 3, {2, 1, 3}, 2, 1},
+        // maxerr (error 5) meets an equal error: it stops above it.
+        {"tie with maxerr", {{5, 5, 1}, {1, 2, 0}, 1, 1}, 10, 3, {1, 2, 3}, 1, 1},
+        // The new subinterval 4 (error 2) goes above an equal error.
+        {"tie with the newcomer", {{3, 2, 1, 2}, {1, 2, 3, 0}, 1, 1}, 10, 4, {1, 4, 2, 3}, 1, 1},
+        // Bisecting subinterval 2 at position nrmax = 2 raised its error to 5.
+        {"moves up", {{1, 5, 0.5, 0.2}, {1, 2, 3, 0}, 2, 2}, 100, 4, {2, 1, 3, 4}, 2, 1},
+        {"equal error above stops it", {{5, 5, 0.5, 0.2}, {1, 2, 3, 0}, 2, 2}, 100, 4, {1, 2, 3, 4}, 2, 2},
+        // With room for many more bisections the whole list is ordered.
+        {"whole list", six, 100, 6, {2, 3, 4, 1, 6, 5}, 2, 1},
+        // At the last bisection of maxsub = 6, jbnd = 6 + 3 - 6 = 3: only
+        // positions 1 and 2 are kept, and the halves take positions 2 and 3.
+        {"last bisection", six, 6, 6, {2, 1, 6, 4, 5, 0}, 2, 1},
+        // jbnd = nsub as long as nsub <= maxsub/2 + 2 (here 12/2 + 2 = 8 >= 6).
+        {"jbnd is nsub", six, 12, 6, {2, 3, 4, 1, 6, 5}, 2, 1},
+    };
+    for (const Case &c : cases) {
+        SCOPED_TRACE(c.name);
+        Order o = c.before;
+        o.run(c.maxsub, c.nsub);
+        EXPECT_EQ(o.iord, c.iord);
+        EXPECT_EQ(o.maxerr, c.maxerr);
+        EXPECT_EQ(o.nrmax, c.nrmax);
+        EXPECT_EQ(o.errmax, o.e[size_t(c.maxerr - 1)]);
+    }
 }
 
 // The epsilon step on a table of 52 entries, numbered from 1 here as well.
