@@ -449,6 +449,7 @@ struct Config {
 };
 
 const Config configs[] = {
+    {"basic", Kor_Basic, 0, {31337}, true},
     {"WH I", Kor_WichmannHill_I, 17, {1234, 5678, 9012, 3456}, true},
     {"WH II", Kor_WichmannHill_II, 0, {1234, 5678, 9012, 3456}, true},
     {"MRG32k3a", Kor_MRG32k3a, 0, {1234, 5678, 9012, 3456, 7890, 1122}, true},
