@@ -181,20 +181,6 @@ TEST(frameCInterface, C05aycThroughAllLayers) {
     EXPECT_EQ(message.compare(0, head.size(), head), 0) << message;
     EXPECT_EQ(message.substr(message.size() - tail.size()), tail);
     EXPECT_EQ(std::strtod(message.c_str() + head.size(), nullptr), -1.0);
-
-    // Null pointers: NE_BAD_PARAM for the first, errnum 0, f never called.
-    for (bool null_f : {true, false}) {
-        Counter unused;
-        Kor_Comm other{&unused, nullptr, nullptr};
-        KorError bad = fresh_error();
-        bad.errnum = 3;
-        c05ayc(0.0, 2.0, 1e-12, 0.0, null_f ? nullptr : cubic, nullptr, &other, &bad);
-        EXPECT_EQ(bad.code, NE_BAD_PARAM);
-        EXPECT_EQ(std::string(bad.message), std::string("NE_BAD_PARAM:\n  On entry, parameter ") +
-                                                (null_f ? "f" : "x") + " had an illegal value.");
-        EXPECT_EQ(bad.errnum, 0);
-        EXPECT_EQ(unused.calls, 0);
-    }
 }
 
 struct EngineRun {

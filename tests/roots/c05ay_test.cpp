@@ -274,6 +274,7 @@ TEST(C05ay, NullPointersAreReportedBeforeAnyCall) {
         Kor_Comm comm{&counter, nullptr, nullptr};
         double x = 0;
         KorError fail = KOR_ERROR_INIT;
+        fail.errnum = 3;  // a stale value is cleared
         c05ayc(0, 2, 1e-6, 0, row.null_f ? nullptr : counted, row.null_x ? nullptr : &x, &comm,
                &fail);
         EXPECT_EQ(fail.code, NE_BAD_PARAM);
