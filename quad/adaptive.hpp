@@ -1,8 +1,8 @@
 // Globally adaptive bisection with Gauss–Kronrod rules, after QUADPACK
 // (Piessens, de Doncker-Kapenga, Ueberhuber, Kahaner, 1983): the rule
 // applier, the ordering list of subintervals by error, one step of Wynn's
-// epsilon algorithm, and the two adaptive cores (with extrapolation for
-// d01rj, without for d01rk).
+// epsilon algorithm, the bisection both adaptive cores make, and the two
+// cores (with extrapolation for d01rj, without for d01rk).
 //
 // The cores are templates over a set of constants so that the library's
 // constants (unit roundoff u = 2^-53 and the thresholds derived from it)
@@ -297,6 +297,19 @@ struct Outcome {
     double bad_upper = 0.0;
 };
 
+// One bisection: subinterval maxerr halved at its midpoint into [a1, b1]
+// and [a2, b2], with the rule's values on each and what they say about
+// rounding.
+struct Halves {
+    double a1, b1, a2, b2;
+    RuleValues left, right;
+    double area12, erro12;  // the sums over both halves
+    // The signs of rounding the cores count: the halves' sum agrees with
+    // the r it replaces to 1e-5 while the error fell by under 1%
+    // (stalled), or, after the first ten bisections, the error grew.
+    bool stalled, grew;
+};
+
 // The subinterval list inside rinfo (four blocks of maxsub) and the
 // ordering list in iinfo, numbered from 1.
 struct Subintervals {
@@ -317,24 +330,23 @@ struct Subintervals {
     }
     // Stores the halves of subinterval maxerr: the one with the larger error
     // (the right one only when its error is strictly larger) keeps the slot.
-    void store_halves(int64_t maxerr, int64_t nsub, double a1, double b1, double a2, double b2,
-                      double area1, double error1, double area2, double error2) {
-        if (error2 > error1) {
-            a(maxerr) = a2;
-            a(nsub) = a1;
-            b(nsub) = b1;
-            r(maxerr) = area2;
-            r(nsub) = area1;
-            e(maxerr) = error2;
-            e(nsub) = error1;
+    void store_halves(int64_t maxerr, int64_t nsub, const Halves &h) {
+        if (h.right.abserr > h.left.abserr) {
+            a(maxerr) = h.a2;
+            a(nsub) = h.a1;
+            b(nsub) = h.b1;
+            r(maxerr) = h.right.result;
+            r(nsub) = h.left.result;
+            e(maxerr) = h.right.abserr;
+            e(nsub) = h.left.abserr;
         } else {
-            a(nsub) = a2;
-            b(maxerr) = b1;
-            b(nsub) = b2;
-            r(maxerr) = area1;
-            r(nsub) = area2;
-            e(maxerr) = error1;
-            e(nsub) = error2;
+            a(nsub) = h.a2;
+            b(maxerr) = h.b1;
+            b(nsub) = h.b2;
+            r(maxerr) = h.left.result;
+            r(nsub) = h.right.result;
+            e(maxerr) = h.left.abserr;
+            e(nsub) = h.right.abserr;
         }
     }
 };
@@ -363,6 +375,115 @@ inline void clear_unwritten(double *rinfo, int64_t *iinfo, int64_t maxsub, int64
     for (int64_t i = high; i < (maxsub > 4 ? maxsub : 4); ++i) iinfo[i] = 0;
 }
 
+// What the two cores do alike: the first estimate over [a, b], the
+// bisection of the subinterval of largest error, and the bookkeeping of the
+// subinterval list, the ordering list and the running sums.  They differ
+// in their rule, in how they judge a run and in extrapolation.
+// apply(lo, hi, v) applies the core's rule and returns the iflag that f
+// left; every call is counted in the outcome.
+template <class C, class Apply>
+class Bisection {
+public:
+    Subintervals s;
+    // The subinterval to bisect next, its error and its position in the
+    // ordering list.
+    int64_t maxerr = 1, nrmax = 1;
+    double errmax = 0.0;
+    // The running sums of the r_i and of the e_i.
+    double area = 0.0, errsum = 0.0;
+
+    Bisection(Apply &apply, double *rinfo, int64_t *iinfo, int64_t maxsub, Outcome &out)
+        : s(rinfo, iinfo, maxsub), apply_(apply), rinfo_(rinfo), iinfo_(iinfo), maxsub_(maxsub),
+          out_(out) {}
+
+    // The first estimate, stored as subinterval 1.  False when the run ends
+    // with it (a = b, f stopped, the estimate is good enough or at rounding
+    // level, or maxsub = 1): result, abserr and the outcome are then final.
+    bool start(double a, double b, double epsabs, double epsrel, double &result, double &abserr,
+               RuleValues &first) {
+        out_ = Outcome{};
+        result = abserr = 0.0;
+        if (a == b) {
+            zero_arrays(rinfo_, iinfo_, maxsub_);
+            return false;
+        }
+        ++out_.calls;
+        if (apply_(a, b, first) < 0) return stop(0);
+        result = first.result;
+        abserr = first.abserr;
+        s.a(1) = a;
+        s.b(1) = b;
+        s.r(1) = result;
+        s.e(1) = abserr;
+        s.at(1) = 1;
+        out_.nsub = 1;
+        const double errbnd = bound_max(epsabs, epsrel * std::fabs(result));
+        int64_t ier = 0;
+        if (abserr <= C::roundoff_first * first.resabs && abserr > errbnd) ier = 2;
+        if (maxsub_ == 1) ier = 1;
+        if (ier != 0 || (abserr <= errbnd && abserr != first.resasc) || abserr == 0.0) {
+            out_.ier = ier;
+            return false;
+        }
+        errmax = errsum = abserr;
+        area = result;
+        return true;
+    }
+
+    // Halves subinterval maxerr, subinterval nsub to be, and brings the
+    // running sums up to date.  False when f stopped.
+    bool bisect(int64_t nsub, Halves &h) {
+        out_.nsub = nsub;
+        h.a1 = s.a(maxerr);
+        h.b1 = (s.a(maxerr) + s.b(maxerr)) * 0.5;
+        h.a2 = h.b1;
+        h.b2 = s.b(maxerr);
+        ++out_.calls;
+        if (apply_(h.a1, h.b1, h.left) < 0) return stop(nsub - 1);
+        ++out_.calls;
+        if (apply_(h.a2, h.b2, h.right) < 0) return stop(nsub - 1);
+        h.area12 = h.left.result + h.right.result;
+        h.erro12 = h.left.abserr + h.right.abserr;
+        // A half whose error is its resasc (the estimate at its cap) says
+        // nothing about rounding.
+        const bool telling =
+            !(h.left.resasc == h.left.abserr || h.right.resasc == h.right.abserr);
+        h.stalled = telling && std::fabs(s.r(maxerr) - h.area12) <= 1e-5 * std::fabs(h.area12) &&
+                    h.erro12 >= 0.99 * errmax;
+        h.grew = telling && nsub > 10 && h.erro12 > errmax;
+        errsum = errsum + h.erro12 - errmax;
+        area = area + h.area12 - s.r(maxerr);
+        return true;
+    }
+
+    // Keeps the halves as subintervals maxerr and nsub and picks the next
+    // to bisect.
+    void keep(int64_t nsub, const Halves &h) {
+        s.store_halves(maxerr, nsub, h);
+        order_list(maxsub_, nsub, maxerr, errmax, s.elist, s.iord, nrmax);
+    }
+
+    // Ends the run with the sum of the r_i of its nsub subintervals.
+    void take_sum(int64_t nsub, double &result, double &abserr) {
+        result = s.sum(nsub);
+        abserr = errsum;
+        out_.summed = true;
+    }
+
+private:
+    bool stop(int64_t stored) {
+        out_.stopped = true;
+        clear_unwritten(rinfo_, iinfo_, maxsub_, stored);
+        return false;
+    }
+
+    Apply &apply_;
+    double *rinfo_;
+    int64_t *iinfo_;
+    int64_t maxsub_;
+    Outcome &out_;
+};
+
 // The adaptive core of d01rj: bisection with the 21-point rule and
 // extrapolation of the partial sums by the epsilon algorithm.  maxsub ≥ 1;
 // rinfo and iinfo as d01rj documents them, zeroed here.
@@ -374,95 +495,48 @@ void extrapolating_core(F &f, double a, double b, double epsabs, double epsrel, 
     auto apply = [&f, &rule](double lo, double hi, RuleValues &v) {
         return apply_rule_of_order<C, 10>(f, rule, lo, hi, v);
     };
-    out = Outcome{};
-    result = abserr = 0.0;
-    if (a == b) return zero_arrays(rinfo, iinfo, maxsub);
-    Subintervals s(rinfo, iinfo, maxsub);
-
-    // The first estimate.
+    Bisection<C, decltype(apply)> run(apply, rinfo, iinfo, maxsub, out);
     RuleValues first;
-    ++out.calls;
-    if (apply(a, b, first) < 0) {
-        out.stopped = true;
-        return clear_unwritten(rinfo, iinfo, maxsub, 0);
-    }
-    result = first.result;
-    abserr = first.abserr;
+    if (!run.start(a, b, epsabs, epsrel, result, abserr, first)) return;
+    Subintervals &s = run.s;
     const double defabs = first.resabs;
-    s.a(1) = a;
-    s.b(1) = b;
-    s.r(1) = result;
-    s.e(1) = abserr;
-    s.at(1) = 1;
-    int64_t nsub = out.nsub = 1;
     const double dres = std::fabs(result);
-    double errbnd = bound_max(epsabs, epsrel * dres);
-    int64_t ier = 0;
-    if (abserr <= C::roundoff_first * defabs && abserr > errbnd) ier = 2;
-    if (maxsub == 1) ier = 1;
-    if (ier != 0 || (abserr <= errbnd && abserr != first.resasc) || abserr == 0.0) {
-        out.ier = ier;
-        return;
-    }
 
     double epstab[table_size] = {};
     double res3la[3] = {};
     epstab[0] = result;
-    double errmax = abserr;
-    int64_t maxerr = 1;
-    double area = result, errsum = abserr;
     abserr = C::omega;
-    int64_t nrmax = 1, nres = 0, numrl2 = 2, ktmin = 0;
+    int64_t nres = 0, numrl2 = 2, ktmin = 0;
     bool extrap = false, noext = false;
-    int64_t iroff1 = 0, iroff2 = 0, iroff3 = 0, ierro = 0;
+    int64_t ier = 0, iroff1 = 0, iroff2 = 0, iroff3 = 0, ierro = 0;
     const int ksgn = dres >= C::sign_factor * defabs ? 1 : -1;
     double small = 0.0, erlarg = 0.0, ertest = 0.0, correc = 0.0;
 
     enum class End { final_choice, sum };
     End end = End::final_choice;
-    for (nsub = 2; nsub <= maxsub; ++nsub) {
-        out.nsub = nsub;
-        const double a1 = s.a(maxerr), b1 = (s.a(maxerr) + s.b(maxerr)) * 0.5, a2 = b1,
-                     b2 = s.b(maxerr);
-        const double erlast = errmax;
-        RuleValues left, right;
-        ++out.calls;
-        if (apply(a1, b1, left) < 0) {
-            out.stopped = true;
-            return clear_unwritten(rinfo, iinfo, maxsub, nsub - 1);
+    int64_t nsub = 2;
+    for (; nsub <= maxsub; ++nsub) {
+        const double erlast = run.errmax;
+        Halves h;
+        if (!run.bisect(nsub, h)) return;
+        if (h.stalled) {
+            if (extrap)
+                ++iroff2;
+            else
+                ++iroff1;
         }
-        ++out.calls;
-        if (apply(a2, b2, right) < 0) {
-            out.stopped = true;
-            return clear_unwritten(rinfo, iinfo, maxsub, nsub - 1);
-        }
-        const double area12 = left.result + right.result;
-        const double erro12 = left.abserr + right.abserr;
-        errsum = errsum + erro12 - errmax;
-        area = area + area12 - s.r(maxerr);
-        if (!(left.resasc == left.abserr || right.resasc == right.abserr)) {
-            if (std::fabs(s.r(maxerr) - area12) <= 1e-5 * std::fabs(area12) &&
-                erro12 >= 0.99 * errmax) {
-                if (extrap)
-                    ++iroff2;
-                else
-                    ++iroff1;
-            }
-            if (nsub > 10 && erro12 > errmax) ++iroff3;
-        }
-        errbnd = bound_max(epsabs, epsrel * std::fabs(area));
+        if (h.grew) ++iroff3;
+        const double errbnd = bound_max(epsabs, epsrel * std::fabs(run.area));
         if (iroff1 + iroff2 >= 10 || iroff3 >= 20) ier = 2;
         if (iroff2 >= 5) ierro = 3;
         if (nsub == maxsub) ier = 1;
-        if (cannot_halve<C>(a1, a2, b2)) {
+        if (cannot_halve<C>(h.a1, h.a2, h.b2)) {
             ier = 4;
-            out.bad_lower = a1;
-            out.bad_upper = b2;
+            out.bad_lower = h.a1;
+            out.bad_upper = h.b2;
         }
-        s.store_halves(maxerr, nsub, a1, b1, a2, b2, left.result, left.abserr, right.result,
-                       right.abserr);
-        order_list(maxsub, nsub, maxerr, errmax, s.elist, s.iord, nrmax);
-        if (errsum <= errbnd) {
+        run.keep(nsub, h);
+        if (run.errsum <= errbnd) {
             end = End::sum;
             break;
         }
@@ -471,45 +545,45 @@ void extrapolating_core(F &f, double a, double b, double epsabs, double epsrel, 
         // Extrapolation control.
         if (nsub == 2) {
             small = std::fabs(b - a) * 0.375;
-            erlarg = errsum;
+            erlarg = run.errsum;
             ertest = errbnd;
-            epstab[1] = area;
+            epstab[1] = run.area;
             continue;
         }
         if (noext) continue;
         erlarg -= erlast;
-        if (std::fabs(b1 - a1) > small) erlarg += erro12;
+        if (std::fabs(h.b1 - h.a1) > small) erlarg += h.erro12;
         if (!extrap) {
             // Small subintervals only once the next to bisect is small.
-            if (std::fabs(s.b(maxerr) - s.a(maxerr)) > small) continue;
+            if (std::fabs(s.b(run.maxerr) - s.a(run.maxerr)) > small) continue;
             extrap = true;
-            nrmax = 2;
+            run.nrmax = 2;
         }
         if (ierro != 3 && erlarg > ertest) {
             // Work on the larger subintervals first, as long as they
             // carry the larger errors.
             const int64_t jupbnd = nsub > 2 + maxsub / 2 ? maxsub + 3 - nsub : nsub;
-            const int64_t id = nrmax;
+            const int64_t id = run.nrmax;
             bool larger = false;
             for (int64_t k = id; k <= jupbnd; ++k) {
-                maxerr = s.at(nrmax);
-                errmax = s.e(maxerr);
-                if (std::fabs(s.b(maxerr) - s.a(maxerr)) > small) {
+                run.maxerr = s.at(run.nrmax);
+                run.errmax = s.e(run.maxerr);
+                if (std::fabs(s.b(run.maxerr) - s.a(run.maxerr)) > small) {
                     larger = true;
                     break;
                 }
-                ++nrmax;
+                ++run.nrmax;
             }
             if (larger) continue;
         }
 
         // Extrapolate.
         ++numrl2;
-        epstab[numrl2 - 1] = area;
+        epstab[numrl2 - 1] = run.area;
         double reseps = 0.0, abseps = 0.0;
         epsilon_step<C>(numrl2, epstab, reseps, abseps, res3la, nres);
         ++ktmin;
-        if (ktmin > 5 && abserr < 1e-3 * errsum) ier = 5;
+        if (ktmin > 5 && abserr < 1e-3 * run.errsum) ier = 5;
         if (abseps < abserr) {
             ktmin = 0;
             abserr = abseps;
@@ -520,17 +594,18 @@ void extrapolating_core(F &f, double a, double b, double epsabs, double epsrel, 
         }
         if (numrl2 == 1) noext = true;
         if (ier == 5) break;
-        maxerr = s.at(1);
-        errmax = s.e(maxerr);
-        nrmax = 1;
+        run.maxerr = s.at(1);
+        run.errmax = s.e(run.maxerr);
+        run.nrmax = 1;
         extrap = false;
         small *= 0.5;
-        erlarg = errsum;
+        erlarg = run.errsum;
     }
     if (nsub > maxsub) nsub = maxsub;  // not reached: ier = 1 ends the last pass
     out.nsub = nsub;
 
     // The final choice between the extrapolated result and the sum.
+    const double area = run.area, errsum = run.errsum;
     enum class Step { sum, divergence, done };
     Step step = Step::sum;
     if (end == End::final_choice) {
@@ -558,9 +633,7 @@ void extrapolating_core(F &f, double a, double b, double epsabs, double epsrel, 
             if (0.01 > ratio || ratio > 100.0 || errsum > std::fabs(area)) ier = 6;
         }
     } else if (step == Step::sum) {
-        result = s.sum(nsub);
-        abserr = errsum;
-        out.summed = true;
+        run.take_sum(nsub, result, abserr);
     }
     if (ier > 2) ier -= 1;
     out.ier = ier;
@@ -573,84 +646,38 @@ template <class C, class F>
 void plain_core(F &f, const Rule &rule, double a, double b, double epsabs, double epsrel,
                 int64_t maxsub, double &result, double &abserr, double *rinfo, int64_t *iinfo,
                 Outcome &out) {
-    out = Outcome{};
-    result = abserr = 0.0;
-    if (a == b) return zero_arrays(rinfo, iinfo, maxsub);
-    Subintervals s(rinfo, iinfo, maxsub);
-
+    auto apply = [&f, &rule](double lo, double hi, RuleValues &v) {
+        return apply_rule<C>(f, rule, lo, hi, v);
+    };
+    Bisection<C, decltype(apply)> run(apply, rinfo, iinfo, maxsub, out);
     RuleValues first;
-    ++out.calls;
-    if (apply_rule<C>(f, rule, a, b, first) < 0) {
-        out.stopped = true;
-        return clear_unwritten(rinfo, iinfo, maxsub, 0);
-    }
-    result = first.result;
-    abserr = first.abserr;
-    s.a(1) = a;
-    s.b(1) = b;
-    s.r(1) = result;
-    s.e(1) = abserr;
-    s.at(1) = 1;
-    int64_t nsub = out.nsub = 1;
-    double errbnd = bound_max(epsabs, epsrel * std::fabs(result));
-    int64_t ier = 0;
-    if (abserr <= C::roundoff_first * first.resabs && abserr > errbnd) ier = 2;
-    if (maxsub == 1) ier = 1;
-    if (ier != 0 || (abserr <= errbnd && abserr != first.resasc) || abserr == 0.0) {
-        out.ier = ier;
-        return;
-    }
+    if (!run.start(a, b, epsabs, epsrel, result, abserr, first)) return;
 
-    double errmax = abserr;
-    int64_t maxerr = 1, nrmax = 1, iroff1 = 0, iroff2 = 0;
-    double area = result, errsum = abserr;
-    for (nsub = 2; nsub <= maxsub; ++nsub) {
-        out.nsub = nsub;
-        const double a1 = s.a(maxerr), b1 = (s.a(maxerr) + s.b(maxerr)) * 0.5, a2 = b1,
-                     b2 = s.b(maxerr);
-        RuleValues left, right;
-        ++out.calls;
-        if (apply_rule<C>(f, rule, a1, b1, left) < 0) {
-            out.stopped = true;
-            return clear_unwritten(rinfo, iinfo, maxsub, nsub - 1);
-        }
-        ++out.calls;
-        if (apply_rule<C>(f, rule, a2, b2, right) < 0) {
-            out.stopped = true;
-            return clear_unwritten(rinfo, iinfo, maxsub, nsub - 1);
-        }
-        const double area12 = left.result + right.result;
-        const double erro12 = left.abserr + right.abserr;
-        errsum = errsum + erro12 - errmax;
-        area = area + area12 - s.r(maxerr);
-        if (!(left.resasc == left.abserr || right.resasc == right.abserr)) {
-            if (std::fabs(s.r(maxerr) - area12) <= 1e-5 * std::fabs(area12) &&
-                erro12 >= 0.99 * errmax)
-                ++iroff1;
-            if (nsub > 10 && erro12 > errmax) ++iroff2;
-        }
-        errbnd = bound_max(epsabs, epsrel * std::fabs(area));
+    int64_t ier = 0, iroff1 = 0, iroff2 = 0;
+    int64_t nsub = 2;
+    for (; nsub <= maxsub; ++nsub) {
+        Halves h;
+        if (!run.bisect(nsub, h)) return;
+        if (h.stalled) ++iroff1;
+        if (h.grew) ++iroff2;
+        const double errbnd = bound_max(epsabs, epsrel * std::fabs(run.area));
         // Without extrapolation a run that has met the tolerance is a
         // success, even on its last permitted bisection.
-        if (!(errsum <= errbnd)) {
+        if (!(run.errsum <= errbnd)) {
             if (iroff1 >= 6 || iroff2 >= 20) ier = 2;
             if (nsub == maxsub) ier = 1;
-            if (cannot_halve<C>(a1, a2, b2)) {
+            if (cannot_halve<C>(h.a1, h.a2, h.b2)) {
                 ier = 3;
-                out.bad_lower = a1;
-                out.bad_upper = b2;
+                out.bad_lower = h.a1;
+                out.bad_upper = h.b2;
             }
         }
-        s.store_halves(maxerr, nsub, a1, b1, a2, b2, left.result, left.abserr, right.result,
-                       right.abserr);
-        order_list(maxsub, nsub, maxerr, errmax, s.elist, s.iord, nrmax);
-        if (ier != 0 || errsum <= errbnd) break;
+        run.keep(nsub, h);
+        if (ier != 0 || run.errsum <= errbnd) break;
     }
     if (nsub > maxsub) nsub = maxsub;
     out.nsub = nsub;
-    result = s.sum(nsub);
-    abserr = errsum;
-    out.summed = true;
+    run.take_sum(nsub, result, abserr);
     out.ier = ier;
 }
 
