@@ -20,6 +20,7 @@
 
 #include "frame/adapters.hpp"
 #include "frame/callbacks.hpp"
+#include "frame/record.hpp"
 #include "quad/gk_rules.hpp"
 
 namespace kor::quad {
@@ -717,4 +718,25 @@ namespace kor::quad {
 // increasing order of their lower ends; iinfo = {nsub, 0, flag, 0, 0 ...}
 // with flag 0 when the result is the sum of the r_i.
 void finish_subdivision(double *rinfo, int64_t *iinfo, int64_t maxsub, const Outcome &out);
+
+// What d01rj and d01rk make alike of their core's run, raising the
+// routine's exits: a run that f stopped gives zero result and abserr and
+// nothing else; any other has its subdivision put in order and the final
+// codes both cores have (1 to 3) reported.  Codes above 3 are left to the
+// caller (a stopped run has code 0).
+template <class Exit>
+void conclude(frame::Record &rec, const Outcome &out, int64_t maxsub, double epsabs,
+              double epsrel, double &result, double &abserr, double *rinfo, int64_t *iinfo) {
+    if (out.stopped) {
+        result = abserr = 0.0;
+        return rec.raise<typename Exit::user_stop>();
+    }
+    finish_subdivision(rinfo, iinfo, maxsub, out);
+    switch (out.ier) {
+    case 1: return rec.raise<typename Exit::max_subdivisions>(maxsub);
+    case 2: return rec.raise<typename Exit::roundoff>(epsabs, epsrel);
+    case 3: return rec.raise<typename Exit::bad_subinterval>(out.bad_lower, out.bad_upper);
+    default: return;
+    }
+}
 }  // namespace kor::quad

@@ -13,17 +13,7 @@ void d01rk::engine(frame::Record &rec, frame::UserFunction<frame::VectorOfVector
     if (maxsub < 1) return rec.raise<Exit::maxsub_too_small>(maxsub);
     quad::Outcome out;
     d01rkvn_(f, key, a, b, epsabs, epsrel, maxsub, &result, &abserr, rinfo, iinfo, &out);
-    if (out.stopped) {
-        result = abserr = 0.0;
-        return rec.raise<Exit::user_stop>();
-    }
-    quad::finish_subdivision(rinfo, iinfo, maxsub, out);
-    switch (out.ier) {
-    case 1: return rec.raise<Exit::max_subdivisions>(maxsub);
-    case 2: return rec.raise<Exit::roundoff>(epsabs, epsrel);
-    case 3: return rec.raise<Exit::bad_subinterval>(out.bad_lower, out.bad_upper);
-    default: return;
-    }
+    quad::conclude<Exit>(rec, out, maxsub, epsabs, epsrel, result, abserr, rinfo, iinfo);
 }
 
 }  // namespace kor
