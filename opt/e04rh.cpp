@@ -10,13 +10,7 @@ void engine(frame::Record &rec, void *handle, int64_t nvar, const double *bl, co
     std::vector<double> lower, upper;
     opt::reserve_for(lower, nvar);
     opt::reserve_for(upper, nvar);
-    const double big = opt::infinite_bound(*p);
-    for (int64_t j = 0; j < nvar; ++j) {
-        // Written so that a NaN fails the first test.
-        if (!(bl[j] <= bu[j])) return rec.raise<Exit::crossed>(j + 1, bl[j], bu[j]);
-        if (bl[j] >= big) return rec.raise<Exit::lower_infinite>(j + 1, bl[j], big);
-        if (bu[j] <= -big) return rec.raise<Exit::upper_infinite>(j + 1, bu[j], big);
-    }
+    if (!opt::check_bounds<Exit>(rec, *p, nvar, bl, bu)) return;
     lower.assign(bl, bl + nvar);
     upper.assign(bu, bu + nvar);
     p->bounds.emplace(std::move(lower), std::move(upper));

@@ -28,18 +28,10 @@ void engine(frame::Record &rec, void *handle, int64_t nclin, const double *bl, c
     opt::reserve_for(lc.b.col, kept + nnzb);
     opt::reserve_for(lc.b.value, kept + nnzb);
 
-    const double big = opt::infinite_bound(*p);
-    for (int64_t j = 0; j < nclin; ++j) {
-        if (!(bl[j] <= bu[j])) return rec.raise<Exit::crossed>(j + 1, bl[j], bu[j]);
-        if (bl[j] >= big) return rec.raise<Exit::lower_infinite>(j + 1, bl[j], big);
-        if (bu[j] <= -big) return rec.raise<Exit::upper_infinite>(j + 1, bu[j], big);
-    }
-    if (int64_t i = opt::first_outside(irowb, nnzb, 1, nclin); i >= 0)
-        return rec.raise<Exit::irowb_range>(i + 1, irowb[i], nclin);
-    if (int64_t i = opt::first_outside(icolb, nnzb, 1, n); i >= 0)
-        return rec.raise<Exit::icolb_range>(i + 1, icolb[i], n);
-    if (opt::Repeat r = opt::first_repeated_pair(irowb, icolb, nnzb, nclin, n); r.found)
-        return rec.raise<Exit::repeated_element>(r.row, r.col);
+    if (!opt::check_bounds<Exit>(rec, *p, nclin, bl, bu)) return;
+    if (!opt::check_coordinates<Exit::irowb_range, Exit::icolb_range, Exit::repeated_element>(
+            rec, irowb, icolb, nnzb, nclin, n))
+        return;
 
     int64_t offset = rows;
     if (idlc > 0) {

@@ -15,18 +15,10 @@ void engine(frame::Record &rec, void *handle, int64_t ncnln, const double *bl, c
     opt::reserve_for(nc.bu, ncnln);
     opt::reserve_for(nc.jac.row, nnzgd);
     opt::reserve_for(nc.jac.col, nnzgd);
-    const double big = opt::infinite_bound(*p);
-    for (int64_t j = 0; j < ncnln; ++j) {
-        if (!(bl[j] <= bu[j])) return rec.raise<Exit::crossed>(j + 1, bl[j], bu[j]);
-        if (bl[j] >= big) return rec.raise<Exit::lower_infinite>(j + 1, bl[j], big);
-        if (bu[j] <= -big) return rec.raise<Exit::upper_infinite>(j + 1, bu[j], big);
-    }
-    if (int64_t i = opt::first_outside(irowgd, nnzgd, 1, ncnln); i >= 0)
-        return rec.raise<Exit::irowgd_range>(i + 1, irowgd[i], ncnln);
-    if (int64_t i = opt::first_outside(icolgd, nnzgd, 1, n); i >= 0)
-        return rec.raise<Exit::icolgd_range>(i + 1, icolgd[i], n);
-    if (opt::Repeat r = opt::first_repeated_pair(irowgd, icolgd, nnzgd, ncnln, n); r.found)
-        return rec.raise<Exit::repeated_element>(r.row, r.col);
+    if (!opt::check_bounds<Exit>(rec, *p, ncnln, bl, bu)) return;
+    if (!opt::check_coordinates<Exit::irowgd_range, Exit::icolgd_range, Exit::repeated_element>(
+            rec, irowgd, icolgd, nnzgd, ncnln, n))
+        return;
     nc.defined = true;
     nc.bl.assign(bl, bl + ncnln);
     nc.bu.assign(bu, bu + ncnln);

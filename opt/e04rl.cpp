@@ -18,14 +18,9 @@ void engine(frame::Record &rec, void *handle, int64_t idf, int64_t nnzh, const i
     opt::Coordinates s;
     opt::reserve_for(s.row, nnzh);
     opt::reserve_for(s.col, nnzh);
-    if (int64_t i = opt::first_outside(irowh, nnzh, 1, n); i >= 0)
-        return rec.raise<Exit::irowh_range>(i + 1, irowh[i], n);
-    if (int64_t i = opt::first_outside(icolh, nnzh, 1, n); i >= 0)
-        return rec.raise<Exit::icolh_range>(i + 1, icolh[i], n);
-    if (int64_t i = opt::first_below_diagonal(irowh, icolh, nnzh); i >= 0)
-        return rec.raise<Exit::irowh_below_diagonal>(i + 1, irowh[i], icolh[i]);
-    if (opt::Repeat r = opt::first_repeated_pair(irowh, icolh, nnzh, n, n); r.found)
-        return rec.raise<Exit::repeated_element>(r.row, r.col);
+    if (!opt::check_coordinates<Exit::irowh_range, Exit::icolh_range, Exit::repeated_element,
+                                Exit::irowh_below_diagonal>(rec, irowh, icolh, nnzh, n, n))
+        return;
     s.row.assign(irowh, irowh + nnzh);
     s.col.assign(icolh, icolh + nnzh);
     // The Lagrangian's structure covers every part; a part's structure

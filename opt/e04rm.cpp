@@ -18,12 +18,9 @@ void engine(frame::Record &rec, void *handle, int64_t nres, int64_t isparse, int
         if (nnzrd <= 0) return rec.raise<Exit::nnzrd_not_positive>(nnzrd);
         opt::reserve_for(o.rd.row, nnzrd);
         opt::reserve_for(o.rd.col, nnzrd);
-        if (int64_t i = opt::first_outside(irowrd, nnzrd, 1, n); i >= 0)
-            return rec.raise<Exit::irowrd_range>(i + 1, irowrd[i], n);
-        if (int64_t i = opt::first_outside(icolrd, nnzrd, 1, nres); i >= 0)
-            return rec.raise<Exit::icolrd_range>(i + 1, icolrd[i], nres);
-        if (opt::Repeat r = opt::first_repeated_pair(irowrd, icolrd, nnzrd, n, nres); r.found)
-            return rec.raise<Exit::repeated_element>(r.row, r.col);
+        if (!opt::check_coordinates<Exit::irowrd_range, Exit::icolrd_range,
+                                    Exit::repeated_element>(rec, irowrd, icolrd, nnzrd, n, nres))
+            return;
         o.rd.row.assign(irowrd, irowrd + nnzrd);
         o.rd.col.assign(icolrd, icolrd + nnzrd);
     }

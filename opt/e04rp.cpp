@@ -26,12 +26,9 @@ void engine(frame::Record &rec, void *handle, int64_t idblk, int64_t nq, const i
     }
     if (nnzqsum < total) return rec.raise<Exit::nnzqsum_small>(nnzqsum, total);
     std::vector<int64_t> first = opt::copy_of(qi, nq), second = opt::copy_of(qj, nq);
-    if (int64_t i = opt::first_outside(qi, nq, 1, n); i >= 0)
-        return rec.raise<Exit::qi_range>(i + 1, qi[i], n);
-    if (int64_t i = opt::first_outside(qj, nq, 1, n); i >= 0)
-        return rec.raise<Exit::qj_range>(i + 1, qj[i], n);
-    if (opt::Repeat r = opt::first_repeated_pair(qi, qj, nq, n, n); r.found)
-        return rec.raise<Exit::pair_repeated>(r.row, r.col);
+    if (!opt::check_coordinates<Exit::qi_range, Exit::qj_range, Exit::pair_repeated>(rec, qi, qj,
+                                                                                     nq, n, n))
+        return;
 
     opt::Coordinates entries;
     opt::reserve_for(entries.row, total);

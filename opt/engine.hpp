@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <new>
 #include <string_view>
+#include <type_traits>
 #include <vector>
 
 #include "frame/record.hpp"
@@ -76,6 +77,27 @@ Repeat first_repeated_pair(const int64_t *row, const int64_t *col, int64_t n, in
 // Over single values.
 Repeat first_repeated(const int64_t *v, int64_t n);
 
+// The checks of a coordinate matrix of nnz entries, in the routines' order:
+// row indices in [1, rows], column indices in [1, cols], no entry below
+// the diagonal where the routine names an exit for it, and no (row,
+// column) pair twice.  The exits are the routine's own; returns false
+// after raising.
+template <class RowOutside, class ColOutside, class Repeated, class BelowDiagonal = void>
+bool check_coordinates(frame::Record &rec, const int64_t *row, const int64_t *col, int64_t nnz,
+                       int64_t rows, int64_t cols) {
+    if (int64_t i = first_outside(row, nnz, 1, rows); i >= 0)
+        return rec.raise<RowOutside>(i + 1, row[i], rows), false;
+    if (int64_t i = first_outside(col, nnz, 1, cols); i >= 0)
+        return rec.raise<ColOutside>(i + 1, col[i], cols), false;
+    if constexpr (!std::is_void_v<BelowDiagonal>) {
+        if (int64_t i = first_below_diagonal(row, col, nnz); i >= 0)
+            return rec.raise<BelowDiagonal>(i + 1, row[i], col[i]), false;
+    }
+    if (Repeat r = first_repeated_pair(row, col, nnz, rows, cols); r.found)
+        return rec.raise<Repeated>(r.row, r.col), false;
+    return true;
+}
+
 // A keyword as the handle routines compare it: upper case, surrounding
 // blanks removed, runs of blanks made one.
 std::string normalize_keyword(std::string_view text);
@@ -92,5 +114,20 @@ std::vector<T> copy_of(const T *v, int64_t n) {
 // The upper bound of every coordinate matrix and Hessian check on
 // variables; bounds at or beyond it are infinite.
 double infinite_bound(const Problem &p);
+
+// The checks of n pairs of bounds, in the routines' order: each pair in
+// order (written so that a NaN fails), and neither bound infinite on its
+// wrong side.  Returns false after raising.
+template <class Exit>
+bool check_bounds(frame::Record &rec, const Problem &p, int64_t n, const double *bl,
+                  const double *bu) {
+    const double big = infinite_bound(p);
+    for (int64_t j = 0; j < n; ++j) {
+        if (!(bl[j] <= bu[j])) return rec.raise<typename Exit::crossed>(j + 1, bl[j], bu[j]), false;
+        if (bl[j] >= big) return rec.raise<typename Exit::lower_infinite>(j + 1, bl[j], big), false;
+        if (bu[j] <= -big) return rec.raise<typename Exit::upper_infinite>(j + 1, bu[j], big), false;
+    }
+    return true;
+}
 
 }  // namespace kor::opt
