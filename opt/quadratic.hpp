@@ -7,9 +7,10 @@
 
 namespace kor::opt {
 
-// A quadratic function's storage, reserved before any check so that a count
-// too large to hold fails with the allocation report and changes nothing.
-// `nnzm` entries of the matrix part (Q or F), `nnzr` of the linear part.
+// A quadratic function's storage, reserved before the caller's arrays are
+// read so that a count too large to hold fails with the allocation report
+// and changes nothing.  `nnzm` entries of the matrix part (Q or F), `nnzr`
+// of the linear part.
 QuadraticConstraint reserve_quadratic(Problem &p, int64_t idqc, int64_t nnzr, int64_t nnzm);
 
 // Copies the caller's checked arrays into the reserved storage.
@@ -22,12 +23,26 @@ void fill_quadratic(QuadraticConstraint &qc, double s, double bl, double bu, int
 // constraint and returns its identifier, > 0 replaces that constraint.
 void store_quadratic(Problem &p, QuadraticConstraint qc, int64_t &idqc);
 
-// The common checks, in the routines' order, as a template over the
-// routine's exits; `quadratic_count` is nnzq or nnzf.  Returns false after
-// raising.
+// The identifier: -1 the objective, 0 a new constraint, or a constraint
+// already defined.  Returns false after raising.
 template <class Exit>
-bool check_quadratic_common(frame::Record &rec, const Problem &p, int64_t idqc, int64_t nnzr,
-                            const int64_t *idxr, double bl, double bu) {
+bool check_quadratic_id(frame::Record &rec, const Problem &p, int64_t idqc) {
+    const int64_t count = int64_t(p.quadratic.size());
+    if (idqc < -1) return rec.raise<typename Exit::idqc_below>(idqc), false;
+    if (idqc > count) return rec.raise<typename Exit::idqc_unknown>(idqc, count), false;
+    return true;
+}
+
+// The checks both routines make after their own counts, in their order, as
+// a template over the routine's exits: nnzr, the function not empty, then
+// (with qc reserved before the caller's arrays are read) the bounds and
+// the linear part.  `nnzm` is nnzq or nnzf.  Returns false after raising.
+template <class Exit>
+bool prepare_quadratic(frame::Record &rec, Problem &p, int64_t idqc, int64_t nnzr, int64_t nnzm,
+                       const int64_t *idxr, double bl, double bu, QuadraticConstraint &qc) {
+    if (nnzr < 0) return rec.raise<typename Exit::nnzr_below>(nnzr), false;
+    if (nnzr == 0 && nnzm == 0) return rec.raise<typename Exit::both_empty>(nnzr, nnzm), false;
+    qc = reserve_quadratic(p, idqc, nnzr, nnzm);
     const int64_t n = p.nvar;
     if (idqc >= 0) {
         const double big = infinite_bound(p);
