@@ -211,6 +211,24 @@ Relation relation_of(table::Bound b, bool lower) {
     return strict ? Relation::lt : Relation::le;
 }
 
+// Checks a value read against the row's bounds, the lower first.  On a
+// violation it records the failure, the bound (read through `limit`, the
+// integer or the real of a bound) into `violated` and its relation, and
+// returns false.
+template <class T>
+bool within_bounds(const Row &r, T value, T table::Bound::*limit, T &violated, Setting &s) {
+    for (bool lower : {true, false}) {
+        const table::Bound b = lower ? r.lower : r.upper;
+        if (violates(b, value, b.*limit, lower)) {
+            s.status = Setting::Status::out_of_bounds;
+            violated = b.*limit;
+            s.relation = relation_of(b, lower);
+            return false;
+        }
+    }
+    return true;
+}
+
 }  // namespace
 
 Setting apply_setting(OptionStore &store, std::string_view text) {
@@ -243,15 +261,8 @@ Setting apply_setting(OptionStore &store, std::string_view text) {
             s.status = Setting::Status::not_integer;
             return s;
         }
-        for (bool lower : {true, false}) {
-            const table::Bound b = lower ? r.lower : r.upper;
-            if (violates(b, s.integer_value, b.integer, lower)) {
-                s.status = Setting::Status::out_of_bounds;
-                s.integer_bound = b.integer;
-                s.relation = relation_of(b, lower);
-                return s;
-            }
-        }
+        if (!within_bounds(r, s.integer_value, &table::Bound::integer, s.integer_bound, s))
+            return s;
         store.store(s.option, s.integer_value);
         break;
     }
@@ -260,15 +271,7 @@ Setting apply_setting(OptionStore &store, std::string_view text) {
             s.status = Setting::Status::not_real;
             return s;
         }
-        for (bool lower : {true, false}) {
-            const table::Bound b = lower ? r.lower : r.upper;
-            if (violates(b, s.real_value, b.real, lower)) {
-                s.status = Setting::Status::out_of_bounds;
-                s.real_bound = b.real;
-                s.relation = relation_of(b, lower);
-                return s;
-            }
-        }
+        if (!within_bounds(r, s.real_value, &table::Bound::real, s.real_bound, s)) return s;
         store.store(s.option, s.real_value);
         break;
     }
