@@ -184,6 +184,18 @@ private:
         e = token_error(t, Failure::not_real);
         return false;
     }
+    // An integer in [lo, hi]; outside it the failure `outside` names the
+    // value, hi and the block (0 while the block is not yet known).
+    bool integer_within(const Token &t, int64_t lo, int64_t hi, Failure outside, int64_t block,
+                        int64_t &v, Error &e) {
+        if (!integer(t, v, e)) return false;
+        if (v >= lo && v <= hi) return true;
+        e = at_line(outside);
+        e.value = v;
+        e.limit = hi;
+        e.block = block;
+        return false;
+    }
     // Reads one entry line; false after leaving the failure in error_.
     bool entry_line();
     // Sorts the entries and reports the first line repeating an earlier one.
@@ -300,39 +312,13 @@ bool Reader::entry_line() {
     if (found < 5) return e = too_few("nonzero matrix elements", 5, int64_t(found)), false;
     int64_t matrix = 0, block = 0, row = 0, col = 0;
     double value = 0.0;
-    if (!integer(t[0], matrix, e)) return false;
-    if (matrix < 0 || matrix > data_.nvar) {
-        e = at_line(Failure::matrix_number);
-        e.value = matrix;
-        e.limit = data_.nvar;
-        return false;
-    }
+    if (!integer_within(t[0], 0, data_.nvar, Failure::matrix_number, 0, matrix, e)) return false;
     const int64_t nblocks = int64_t(data_.block_sizes.size());
-    if (!integer(t[1], block, e)) return false;
-    if (block < 1 || block > nblocks) {
-        e = at_line(Failure::block_number);
-        e.value = block;
-        e.limit = nblocks;
-        return false;
-    }
+    if (!integer_within(t[1], 1, nblocks, Failure::block_number, 0, block, e)) return false;
     const int64_t size = data_.block_sizes[size_t(block - 1)];
     const int64_t dim = size < 0 ? -size : size;
-    if (!integer(t[2], row, e)) return false;
-    if (row < 1 || row > dim) {
-        e = at_line(Failure::row_outside);
-        e.value = row;
-        e.limit = dim;
-        e.block = block;
-        return false;
-    }
-    if (!integer(t[3], col, e)) return false;
-    if (col < 1 || col > dim) {
-        e = at_line(Failure::column_outside);
-        e.value = col;
-        e.limit = dim;
-        e.block = block;
-        return false;
-    }
+    if (!integer_within(t[2], 1, dim, Failure::row_outside, block, row, e)) return false;
+    if (!integer_within(t[3], 1, dim, Failure::column_outside, block, col, e)) return false;
     if (!real(t[4], value, e)) return false;
     if (row > col || (size < 0 && row != col)) {
         e = at_line(row > col ? Failure::lower_triangle : Failure::off_diagonal);
