@@ -82,29 +82,22 @@ struct Gsl {
     }
 };
 
-void BM_d01rjc(benchmark::State &state) {
+// One integrator (Kor or Gsl) alone on the problem the state names.
+template <class Integrator>
+void time_alone(benchmark::State &state) {
     const Problem &p = problems[state.range(0)];
     state.SetLabel(p.name);
-    Kor k;
+    Integrator integrator;
     Counted c{&p};
     for (auto _ : state) {
-        k.run(c);
-        benchmark::DoNotOptimize(k.result);
+        integrator.run(c);
+        benchmark::DoNotOptimize(integrator.result);
     }
     state.counters["values"] = double(c.values) / double(state.iterations());
 }
 
-void BM_gsl_qags(benchmark::State &state) {
-    const Problem &p = problems[state.range(0)];
-    state.SetLabel(p.name);
-    Gsl g;
-    Counted c{&p};
-    for (auto _ : state) {
-        g.run(c);
-        benchmark::DoNotOptimize(g.result);
-    }
-    state.counters["values"] = double(c.values) / double(state.iterations());
-}
+void BM_d01rjc(benchmark::State &state) { time_alone<Kor>(state); }
+void BM_gsl_qags(benchmark::State &state) { time_alone<Gsl>(state); }
 
 // Both on the same problem, interleaved in rounds so that both see the same
 // machine state; reports the time per integral of each and GSL/d01rjc.
