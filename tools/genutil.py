@@ -2,6 +2,16 @@
 import os
 
 
+def data_lines(path):
+    """Yields (line number, line) for each line of path that holds data: the
+    line stripped, blank lines and '#' comment lines passed over."""
+    with open(path) as f:
+        for number, line in enumerate(f, 1):
+            line = line.strip()
+            if line and not line.startswith("#"):
+                yield number, line
+
+
 def write_if_changed(path, text):
     """Writes text to path unless it already holds exactly that, so that an
     unchanged generated file keeps its time stamp and nothing rebuilds."""

@@ -11,25 +11,21 @@ Usage: rowtable.py INPUT OUTPUT.hpp NAMESPACE
 """
 import sys
 
-from genutil import write_if_changed
+from genutil import data_lines, write_if_changed
 
 
 def main():
     source, target, namespace = sys.argv[1:4]
     rows = []
-    with open(source) as f:
-        for number, line in enumerate(f, 1):
-            line = line.strip()
-            if not line or line.startswith("#"):
-                continue
-            fields = [int(v) for v in line.split()]
-            if fields[0] != len(rows) + 1:
-                sys.exit(f"{source}:{number}: row {fields[0]} out of order")
-            if rows and len(fields) - 1 != len(rows[0]):
-                sys.exit(f"{source}:{number}: expected {len(rows[0])} values")
-            if any(abs(v) >= 2**63 for v in fields):
-                sys.exit(f"{source}:{number}: value outside int64")
-            rows.append(fields[1:])
+    for number, line in data_lines(source):
+        fields = [int(v) for v in line.split()]
+        if fields[0] != len(rows) + 1:
+            sys.exit(f"{source}:{number}: row {fields[0]} out of order")
+        if rows and len(fields) - 1 != len(rows[0]):
+            sys.exit(f"{source}:{number}: expected {len(rows[0])} values")
+        if any(abs(v) >= 2**63 for v in fields):
+            sys.exit(f"{source}:{number}: value outside int64")
+        rows.append(fields[1:])
     if not rows:
         sys.exit(f"{source}: no rows")
     out = [f"// Generated from {source.split('/')[-1]} by tools/rowtable.py: do not edit.",

@@ -10,29 +10,25 @@ Usage: tablegen.py INPUT.txt OUTPUT.hpp NAMESPACE
 """
 import sys
 
-from genutil import write_if_changed
+from genutil import data_lines, write_if_changed
 
 
 def main():
     source, target, namespace = sys.argv[1:4]
     entries = {}
     order = []
-    with open(source) as f:
-        for number, line in enumerate(f, 1):
-            line = line.strip()
-            if not line or line.startswith("#"):
-                continue
-            fields = line.split()
-            if len(fields) != 3:
-                sys.exit(f"{source}:{number}: expected NAME INDEX VALUE")
-            name, index, value = fields[0], int(fields[1]), fields[2]
-            float(value)  # must read as a number
-            if name not in entries:
-                entries[name] = {}
-                order.append(name)
-            if index in entries[name]:
-                sys.exit(f"{source}:{number}: {name} {index} given twice")
-            entries[name][index] = value
+    for number, line in data_lines(source):
+        fields = line.split()
+        if len(fields) != 3:
+            sys.exit(f"{source}:{number}: expected NAME INDEX VALUE")
+        name, index, value = fields[0], int(fields[1]), fields[2]
+        float(value)  # must read as a number
+        if name not in entries:
+            entries[name] = {}
+            order.append(name)
+        if index in entries[name]:
+            sys.exit(f"{source}:{number}: {name} {index} given twice")
+        entries[name][index] = value
     out = [f"// Generated from {source.split('/')[-1]} by tools/tablegen.py: do not edit.",
            "#pragma once", "", f"namespace {namespace} {{", ""]
     for name in order:
