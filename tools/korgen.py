@@ -39,6 +39,11 @@ class DefinitionError(Exception):
     pass
 
 
+def declaration(ctype, name):
+    """`ctype name`, with no blank after a pointer's star."""
+    return f"{ctype}{'' if ctype.endswith('*') else ' '}{name}"
+
+
 def c_string(text):
     """A C string literal holding `text`."""
     out = text.replace("\\", "\\\\").replace('"', '\\"').replace("\n", "\\n")
@@ -99,18 +104,15 @@ class Arg:
         return self.is_array or self.intent != "in" or self.type in ("char", "userfn")
 
     # -- the internal layers (ft_, fv_, fn_): everything by reference
-    def layer_params(self):
+    def layer_signature(self):
+        """The layers' parameters for this argument, as (C type, name) pairs."""
         if self.type == "userfn":
-            return [f"KorUserFn {self.name}", f"KorAdapter {self.name}_adapter", "void *u1", "void *u2"]
+            return [("KorUserFn", self.name), ("KorAdapter", f"{self.name}_adapter"),
+                    ("void *", "u1"), ("void *", "u2")]
         if self.type == "handle":
-            return [f"void **{self.name}"]
+            return [("void **", self.name)]
         const = "const " if self.intent == "in" else ""
-        return [f"{const}{self.scalar_type} *{self.name}"]
-
-    def layer_names(self):
-        if self.type == "userfn":
-            return [self.name, f"{self.name}_adapter", "u1", "u2"]
-        return [self.name]
+        return [(f"{const}{self.scalar_type} *", self.name)]
 
     # -- the C interface
     def c_param(self, kinds):
@@ -261,32 +263,27 @@ class Routine:
         """Every exported symbol of the routine."""
         return [f"{self.code}c", self.long, f"{self.code}f_"]
 
-    # -- the internal layer signature
-    def layer_params(self):
-        params = ["CallbackContext *ctx"]
+    # -- the internal layer signature, declared once for both its
+    # declarations and the calls that pass it on
+    def layer_signature(self):
+        """The layers' parameters as (C type, name) pairs."""
+        params = [("CallbackContext *", "ctx")]
         for a in self.args:
-            params += a.layer_params()
+            params += a.layer_signature()
         if self.result:
-            params.append(f"{self.result_ctype} *result")
+            params.append((f"{self.result_ctype} *", "result"))
         if self.fail:
-            params += ["char *errbuf", "int64_t *outcome"]
-        params += [f"int64_t {a.name}_len" for a in self.char_args]
+            params += [("char *", "errbuf"), ("int64_t *", "outcome")]
+        params += [("int64_t", f"{a.name}_len") for a in self.char_args]
         if self.fail:
-            params.append("int64_t errbuf_len")
+            params.append(("int64_t", "errbuf_len"))
         return params
 
+    def layer_params(self):
+        return [declaration(ctype, name) for ctype, name in self.layer_signature()]
+
     def layer_names(self):
-        names = ["ctx"]
-        for a in self.args:
-            names += a.layer_names()
-        if self.result:
-            names.append("result")
-        if self.fail:
-            names += ["errbuf", "outcome"]
-        names += [f"{a.name}_len" for a in self.char_args]
-        if self.fail:
-            names.append("errbuf_len")
-        return names
+        return [name for _, name in self.layer_signature()]
 
     def c_params(self, kinds):
         params = [a.c_param(kinds) for a in self.args]
