@@ -167,6 +167,11 @@ private:
         e.line = line_number_;
         return e;
     }
+    Error premature_end(const char *part) {
+        Error e = at_line(Failure::premature_end);
+        e.part = part;
+        return e;
+    }
     Error too_few(const char *part, int64_t expected, int64_t found) {
         Error e = at_line(Failure::too_few_tokens);
         e.part = part;
@@ -182,6 +187,17 @@ private:
     bool real(const Token &t, double &v, Error &e) {
         if (t.text.size() <= size_t(max_token_length) && parse_real(t.text, v)) return true;
         e = token_error(t, Failure::not_real);
+        return false;
+    }
+    // The count that opens the current line, at least 1; below it the
+    // failure `too_few` names the value.
+    bool count_on_line(Failure too_few, int64_t &v, Error &e) {
+        Token t{};
+        tokenize(line_, &t, 1);
+        if (!integer(t, v, e)) return false;
+        if (v >= 1) return true;
+        e = at_line(too_few);
+        e.value = v;
         return false;
     }
     // An integer in [lo, hi]; outside it the failure `outside` names the
@@ -227,40 +243,19 @@ bool Reader::next_data_line(bool comments_allowed) {
 
 Error Reader::run() {
     Error e;
-    Token t[5];
     // The number of variables, after any comment lines.
     if (!next_data_line(true)) return at_line(not_readable_ ? Failure::not_readable : Failure::stream_empty);
-    tokenize(line_, t, 1);
     int64_t m = 0;
-    if (!integer(t[0], m, e)) return e;
-    if (m < 1) {
-        e = at_line(Failure::too_few_variables);
-        e.value = m;
-        return e;
-    }
+    if (!count_on_line(Failure::too_few_variables, m, e)) return e;
     data_.nvar = m;
 
     // The number of blocks.
-    if (!next_data_line(false)) {
-        e = at_line(Failure::premature_end);
-        e.part = "the number of blocks";
-        return e;
-    }
-    tokenize(line_, t, 1);
+    if (!next_data_line(false)) return premature_end("the number of blocks");
     int64_t nblocks = 0;
-    if (!integer(t[0], nblocks, e)) return e;
-    if (nblocks < 1) {
-        e = at_line(Failure::too_few_blocks);
-        e.value = nblocks;
-        return e;
-    }
+    if (!count_on_line(Failure::too_few_blocks, nblocks, e)) return e;
 
     // The block sizes, all on one line.
-    if (!next_data_line(false)) {
-        e = at_line(Failure::premature_end);
-        e.part = "the block sizes";
-        return e;
-    }
+    if (!next_data_line(false)) return premature_end("the block sizes");
     {
         std::vector<Token> tokens(size_t(std::min<int64_t>(nblocks, int64_t(line_.size()) / 2 + 1)));
         const size_t found = tokenize(line_, tokens.data(), tokens.size());
@@ -280,11 +275,7 @@ Error Reader::run() {
     }
 
     // The objective, all on one line.
-    if (!next_data_line(false)) {
-        e = at_line(Failure::premature_end);
-        e.part = "the objective function";
-        return e;
-    }
+    if (!next_data_line(false)) return premature_end("the objective function");
     {
         const size_t room = std::min<size_t>(size_t(m), line_.size() / 2 + 1);
         std::vector<Token> tokens(room);
