@@ -73,24 +73,15 @@ std::vector<FortranCase> cases() {
 }
 
 TEST(QuadFortran, QuietFailureOnlySetsIfail) {
-    const auto r = run_process(probe("quad_fortran_probe"), {"quiet"});
-    EXPECT_EQ(r.status, 0);
-    EXPECT_EQ(r.out, probe_output(cases(), false));
-    EXPECT_EQ(r.err, "");
+    expect_probe_returns("quad_fortran_probe", "quiet", cases(), false);
 }
 
 TEST(QuadFortran, NoisyFailurePrintsTheMessageAndReturns) {
-    const auto r = run_process(probe("quad_fortran_probe"), {"noisy"});
-    EXPECT_EQ(r.status, 0);
-    EXPECT_EQ(r.out, probe_output(cases(), true));
-    EXPECT_EQ(r.err, "");
+    expect_probe_returns("quad_fortran_probe", "noisy", cases(), true);
 }
 
 TEST(QuadFortran, HardFailureEndsTheProgram) {
-    const FortranCase c = cases()[1];  // d01rjf maxsub, with IFAIL = 0
-    const auto r = run_process(probe("quad_fortran_probe"), {"hard"});
-    EXPECT_EQ(r.status, 1);
-    EXPECT_EQ(r.out, "d01rjf hard\n" + failure_lines(c, true));
+    expect_probe_ends("quad_fortran_probe", "hard", cases()[1]);  // d01rjf maxsub, with IFAIL = 0
 }
 
 TEST(QuadNullFail, WarningsAndStopsEndTheProcess) {

@@ -81,20 +81,12 @@ std::vector<FortranCase> fortran_cases() {
 }
 
 TEST(C05Fortran, QuietFailureOnlySetsIfail) {
-    for (const char *mode : {"quiet", "two"}) {  // IFAIL = 2 on entry is quiet as well
-        SCOPED_TRACE(mode);
-        const auto r = run_process(probe("c05_fortran_probe"), {mode});
-        EXPECT_EQ(r.status, 0);
-        EXPECT_EQ(r.out, probe_output(fortran_cases(), false));
-        EXPECT_EQ(r.err, "");
-    }
+    for (const char *mode : {"quiet", "two"})  // IFAIL = 2 on entry is quiet as well
+        expect_probe_returns("c05_fortran_probe", mode, fortran_cases(), false);
 }
 
 TEST(C05Fortran, NoisyFailurePrintsTheMessageAndReturns) {
-    const auto r = run_process(probe("c05_fortran_probe"), {"noisy"});
-    EXPECT_EQ(r.status, 0);
-    EXPECT_EQ(r.out, probe_output(fortran_cases(), true));
-    EXPECT_EQ(r.err, "");
+    expect_probe_returns("c05_fortran_probe", "noisy", fortran_cases(), true);
 }
 
 TEST(C05Fortran, HardFailureEndsTheProgram) {
@@ -103,13 +95,10 @@ TEST(C05Fortran, HardFailureEndsTheProgram) {
     // written.
     for (const auto &[mode, label] :
          {std::pair{"hard_ay", "c05ayf eps"}, std::pair{"hard_az", "c05azf accuracy"}}) {
-        SCOPED_TRACE(mode);
         FortranCase c;
         for (const FortranCase &each : fortran_cases())
             if (each.label == label) c = each;
-        const auto r = run_process(probe("c05_fortran_probe"), {mode});
-        EXPECT_EQ(r.status, 1);
-        EXPECT_EQ(r.out, c.label.substr(0, 6) + " hard\n" + failure_lines(c, true));
+        expect_probe_ends("c05_fortran_probe", mode, c);
     }
 }
 

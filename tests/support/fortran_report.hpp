@@ -8,6 +8,10 @@
 #include <string>
 #include <vector>
 
+#include <gtest/gtest.h>
+
+#include "support/process.hpp"
+
 namespace kor::test {
 
 // The exit line and the line saying what happens next.
@@ -46,6 +50,26 @@ inline std::string probe_output(const std::vector<FortranCase> &cases, bool nois
         if (c.ifail == 0) out += c.lines.front() + "\n";
     }
     return out;
+}
+
+// A run of probe `name` in `mode` where every case returns: the probe's
+// output, with the library's lines when noisy, and nothing on stderr.
+inline void expect_probe_returns(const std::string &name, const std::string &mode,
+                                 const std::vector<FortranCase> &cases, bool noisy) {
+    SCOPED_TRACE(mode);
+    const ProcessResult r = run_process(probe(name), {mode});
+    EXPECT_EQ(r.status, 0);
+    EXPECT_EQ(r.out, probe_output(cases, noisy));
+    EXPECT_EQ(r.err, "");
+}
+
+// A run of probe `name` in `mode` that repeats case c with IFAIL = 0: the
+// routine's "hard" label, its failure report, and the end of the program.
+inline void expect_probe_ends(const std::string &name, const std::string &mode, const FortranCase &c) {
+    SCOPED_TRACE(mode);
+    const ProcessResult r = run_process(probe(name), {mode});
+    EXPECT_EQ(r.status, 1);
+    EXPECT_EQ(r.out, c.label.substr(0, c.label.find(' ')) + " hard\n" + failure_lines(c, true));
 }
 
 }  // namespace kor::test
