@@ -365,7 +365,8 @@ void apply(int64_t *state, const Poly &g) {
     };
     int low = top - top % window;
     uint32_t *r = buffer;
-    std::copy(table[chunk(low)], table[chunk(low)] + N, r);
+    const uint32_t *leading = table[chunk(low)];
+    std::copy(leading, leading + N, r);
     for (low -= window; low >= 0; low -= window) {
         if (r + N + window > buffer + N + slack) {
             std::copy(r, r + N, buffer);
