@@ -7,7 +7,7 @@
 extern "C" {
 
 struct CallbackContext {
-    void *reserved1 = nullptr;
+    void *texts = nullptr;       // the interface's RecordTexts: long text values of a report
     int32_t status = 0;          // -8888: an adapter declined a direct call
     void *reserved3 = nullptr;
     int32_t direct_call = 1;     // 1: adapters may call the user function at once

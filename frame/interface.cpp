@@ -69,6 +69,33 @@ int format_real(double v, char *out, int size) {
     return int(std::strlen(out));
 }
 
+const char *RecordTexts::resolve(const char *field) const {
+    if (field[0] != text_mark) return field;
+    const long at = std::strtol(field + 1, nullptr, 10);
+    return at >= 0 && at < used ? data + at : "";
+}
+
+// Puts a text value where the report will find it: in the interface's store
+// when there is one (the field then refers to it), else into the field.
+// Marks and NULs would break the record or the message; they show as '?'.
+void Record::store_text(std::string_view text, char *field, size_t size) {
+    auto *texts = ctx_ ? static_cast<RecordTexts *>(ctx_->texts) : nullptr;
+    const size_t room = texts ? size_t(RecordTexts::capacity - texts->used) : 0;
+    if (room == 0) {
+        std::snprintf(field, size, "%.25s", std::string(text).c_str());
+        for (char *c = field; *c; ++c)
+            if (*c == record_mark || *c == text_mark) *c = '?';
+        return;
+    }
+    const size_t n = std::min(text.size(), room - 1);
+    char *out = texts->data + texts->used;
+    for (size_t i = 0; i < n; ++i)
+        out[i] = text[i] == '\0' || text[i] == record_mark ? '?' : text[i];
+    out[n] = '\0';
+    std::snprintf(field, size, "%c%d", text_mark, texts->used);
+    texts->used += int(n + 1);
+}
+
 void Record::write(const ExitInfo &exit, const RecordValue *values, int count) {
     raised_ = true;
     *outcome_ = exit.outcome;
@@ -86,10 +113,7 @@ void Record::write(const ExitInfo &exit, const RecordValue *values, int count) {
             std::snprintf(field, sizeof field, "%" PRId64, values[i].integer);
             break;
         case RecordValue::text_value:
-            // Marks and NULs would break the record; they are shown as '?'.
-            std::snprintf(field, sizeof field, "%.25s", std::string(values[i].text).c_str());
-            for (char *c = field; *c; ++c)
-                if (*c == record_mark) *c = '?';
+            store_text(values[i].text, field, sizeof field);
             break;
         }
         used += std::snprintf(buffer + used, sizeof buffer - size_t(used), "%s\x01", field);
@@ -106,18 +130,17 @@ void report_null_pointer(const RoutineInfo &info, const char *name, KorError *fa
     p01acc_c(message, NE_BAD_PARAM, info.c_name, fail);
 }
 
-void compose_c_message(const ExitInfo &exit, const char (*values)[26], int nvalues, char *out,
+void compose_c_message(const ExitInfo &exit, const char *const *values, int nvalues, char *out,
                        int size) {
-    const char *texts[max_record_values];
-    for (int i = 0; i < nvalues && i < max_record_values; ++i) texts[i] = values[i];
     int used = 0;
     out[0] = '\0';
     append(out, size, used, exit.code_name, std::strlen(exit.code_name));
     append(out, size, used, ":\n  ", 4);
-    substitute(exit.c_text, texts, nvalues, out, size, used);
+    substitute(exit.c_text, values, nvalues, out, size, used);
 }
 
-void report_c(const RoutineInfo &info, const char *text, int64_t outcome, KorError *fail) {
+void report_c(const RoutineInfo &info, const char *text, int64_t outcome, KorError *fail,
+              const RecordTexts *texts) {
     if (outcome == 0) return;
     if (fail) fail->errnum = outcome;
     if (outcome == -999) {
@@ -144,27 +167,46 @@ void report_c(const RoutineInfo &info, const char *text, int64_t outcome, KorErr
                                     v[2], v[3], v[4], v[5], v[6], v[7], v[8], v[9], v[10], v[11]);
     if (scanned < 3 + exit->nvalues || count != exit->nvalues) return report_internal_error(info, fail);
 
+    const char *shown[max_record_values];
+    for (int i = 0; i < max_record_values; ++i) shown[i] = texts ? texts->resolve(values[i]) : values[i];
     char composed[512];
-    compose_c_message(*exit, values, exit->nvalues, composed, sizeof composed);
+    compose_c_message(*exit, shown, exit->nvalues, composed, sizeof composed);
     p01acc_c(composed, exit->code, info.c_name, fail);
 }
 
-void report_fortran(const RoutineInfo &info, const char *text, int64_t outcome, int64_t *ifail) {
+namespace {
+
+// Appends `line` as 80-character records: a longer line goes on in further
+// records, each again beginning "** ", broken after a blank where there is
+// one.
+void add_fortran_line(std::string &records, std::string line) {
+    constexpr size_t width = fortran_line_length, prefix = 3;
+    while (line.size() > width) {
+        size_t cut = line.rfind(' ', width);
+        if (cut == std::string::npos || cut <= prefix) cut = width;
+        std::string head = line.substr(0, cut);
+        head.resize(width, ' ');
+        records += head;
+        size_t rest = cut;
+        while (rest < line.size() && line[rest] == ' ') ++rest;
+        line = "** " + line.substr(rest);
+    }
+    line.resize(width, ' ');
+    records += line;
+}
+
+}  // namespace
+
+void report_fortran(const RoutineInfo &info, const char *text, int64_t outcome, int64_t *ifail,
+                    const RecordTexts *texts) {
     if (outcome == 0) {
         *ifail = 0;
         return;
     }
-    constexpr int width = 80;
-    char lines[max_fortran_lines][width];
-    std::memset(lines, ' ', sizeof lines);
-    int64_t nlines = 0;
-    auto add_line = [&](const char *line) {
-        const size_t n = std::min<size_t>(std::strlen(line), width);
-        std::memcpy(lines[nlines++], line, n);
-    };
-
+    constexpr int width = fortran_line_length;
+    std::string records;
     if (outcome == -999) {
-        add_line("** Dynamic memory allocation failed.");
+        add_fortran_line(records, "** Dynamic memory allocation failed.");
     } else {
         int64_t message = 0, status = 0;
         char fields[max_record_values][width];
@@ -174,36 +216,34 @@ void report_fortran(const RoutineInfo &info, const char *text, int64_t outcome, 
             char line[width + 1];
             std::snprintf(line, sizeof line, "** Unexpected error (%5" PRId64 ",%5" PRId64 ")",
                           outcome, message);
-            add_line(line);
+            add_fortran_line(records, line);
         } else {
-            char trimmed[max_record_values][width + 1];
-            const char *values[max_record_values];
+            std::string values[max_record_values];
             for (int i = 0; i < max_record_values; ++i) {
                 int n = width;
                 while (n > 0 && fields[i][n - 1] == ' ') --n;
-                std::memcpy(trimmed[i], fields[i], size_t(n));
-                trimmed[i][n] = '\0';
-                values[i] = trimmed[i];
+                values[i].assign(fields[i], size_t(n));
+                if (texts) values[i] = texts->resolve(values[i].c_str());
             }
-            int consumed = 0;
+            // Each line takes the values its own "%s" slots ask for, in order.
+            int next = 0;
             for (int l = 0; l < exit->nlines; ++l) {
-                char line[2 * width];
-                int used = 0;
-                line[0] = '\0';
-                append(line, sizeof line, used, "** ", 3);
-                // Each line takes the values its own "%s" slots ask for, in order.
-                int slots = 0;
-                for (const char *p = exit->fortran_lines[l]; *p; ++p)
-                    if (p[0] == '%' && p[1] == 's') ++slots, ++p;
-                substitute(exit->fortran_lines[l], values + consumed, max_record_values - consumed,
-                           line, sizeof line, used);
-                consumed += slots;
-                add_line(line);
+                std::string line = "** ";
+                for (const char *p = exit->fortran_lines[l]; *p; ++p) {
+                    if (p[0] == '%' && (p[1] == 's' || p[1] == '%')) {
+                        line += p[1] == 's' ? (next < max_record_values ? values[next++] : "") : "%";
+                        ++p;
+                    } else {
+                        line += *p;
+                    }
+                }
+                add_fortran_line(records, line);
             }
         }
     }
+    const int64_t nlines = int64_t(records.size() / width);
     const size_t name_len = std::strlen(info.fortran_name);
-    p01abzu_(ifail, &outcome, info.fortran_name, &lines[0][0], &nlines, name_len, width);
+    p01abzu_(ifail, &outcome, info.fortran_name, records.data(), &nlines, name_len, width);
 }
 
 }  // namespace kor::frame

@@ -8,6 +8,7 @@
 #include <cstring>
 #include <initializer_list>
 #include <new>
+#include <string>
 
 #include "frame/context.hpp"
 #include "frame/errors.hpp"
@@ -29,6 +30,7 @@ namespace kor::frame {
 struct NamedPointer {
     const char *name;
     const void *pointer;
+    bool used = true;  // false: the call does not use it (its count is 0), so null is fine
 };
 
 inline void clear_record(char *text) {
@@ -42,7 +44,7 @@ void report_null_pointer(const RoutineInfo &info, const char *name, KorError *fa
 inline bool check_pointers(const RoutineInfo &info, std::initializer_list<NamedPointer> pointers,
                            KorError *fail) {
     for (const NamedPointer &p : pointers)
-        if (!p.pointer) {
+        if (!p.pointer && p.used) {
             report_null_pointer(info, p.name, fail);
             return false;
         }
@@ -50,12 +52,15 @@ inline bool check_pointers(const RoutineInfo &info, std::initializer_list<NamedP
 }
 
 // Turn an engine's outcome and record into the C or the Fortran report.
-void report_c(const RoutineInfo &info, const char *text, int64_t outcome, KorError *fail);
-void report_fortran(const RoutineInfo &info, const char *text, int64_t outcome, int64_t *ifail);
+// `texts` holds the call's long text values, where the interface kept any.
+void report_c(const RoutineInfo &info, const char *text, int64_t outcome, KorError *fail,
+              const RecordTexts *texts = nullptr);
+void report_fortran(const RoutineInfo &info, const char *text, int64_t outcome, int64_t *ifail,
+                    const RecordTexts *texts = nullptr);
 
-// Composes the C message of an exit from its value fields ("%s" slots).
-void compose_c_message(const ExitInfo &exit, const char (*values)[26], int nvalues,
-                       char *out, int size);
+// Composes the C message of an exit from its values ("%s" slots).
+void compose_c_message(const ExitInfo &exit, const char *const *values, int nvalues, char *out,
+                       int size);
 
 template <class Body>
 void run_engine(const RoutineInfo &info, CallbackContext *ctx, char *text, int64_t length,
@@ -106,8 +111,10 @@ void c_interface(const RoutineInfo &info, KorError *fail,
     if (check_pointers(info, pointers, fail)) {
         CallbackContext ctx;
         y90haan_(&ctx);
+        RecordTexts texts;
+        ctx.texts = &texts;
         body(&ctx, text, &outcome);
-        if (outcome != 0) report_c(info, text, outcome, fail);
+        if (outcome != 0) report_c(info, text, outcome, fail, &texts);
     }
     if (fail && fail->code == 0) report_success(info, fail);
 }
@@ -119,11 +126,13 @@ void fortran_interface(const RoutineInfo &info, int64_t *ifail, Body &&body) {
     int64_t outcome = 1;
     CallbackContext ctx;
     y90haan_(&ctx);
+    RecordTexts texts;
+    ctx.texts = &texts;
     body(&ctx, text, &outcome);
     if (outcome == 0)
         *ifail = 0;
     else
-        report_fortran(info, text, outcome, ifail);
+        report_fortran(info, text, outcome, ifail, &texts);
 }
 
 // Routines that cannot fail (machine constants and the like) still pass a

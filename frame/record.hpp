@@ -13,7 +13,8 @@ namespace kor::frame {
 
 inline constexpr char record_mark = '\x01';
 inline constexpr int max_record_values = 12;
-inline constexpr int max_fortran_lines = 8;
+inline constexpr int max_fortran_lines = 8;     // as the definitions give them
+inline constexpr int fortran_line_length = 80;
 
 // One exit of a routine as its definition file gives it.
 struct ExitInfo {
@@ -26,6 +27,7 @@ struct ExitInfo {
     int nlines;
     const char *fortran_lines[max_fortran_lines];  // "** " is added; %s takes a value
     bool c_success = false;         // the C interface reports success instead
+    const char *name = "";          // the exit's name in the definition
 };
 
 struct RoutineInfo {
@@ -46,8 +48,22 @@ struct ExitTag {
 // at once; caught by the engine layer, which leaves outcome and record alone.
 struct Abandon {};
 
-// A value field of a record: a real in exponent form, an integer, or a
-// short text (at most 25 characters reach a C report).
+// Text values of a report, kept by the interface for the length of a call
+// (the context points to them): a text of any length travels here, and the
+// record's field holds only a reference to it, text_mark and the offset.
+// Without such a store (an engine layer called directly) a text is written
+// into the field itself, and at most 25 characters of it reach a C report.
+inline constexpr char text_mark = '\x02';
+struct RecordTexts {
+    static constexpr int capacity = 2048;
+    int used = 0;
+    char data[capacity];  // NUL-terminated texts one after another; left uninitialised
+
+    // The text a field refers to, or the field itself.
+    const char *resolve(const char *field) const;
+};
+
+// A value field of a record: a real in exponent form, an integer, or a text.
 struct RecordValue {
     enum Kind { real_value, integer_value, text_value } kind;
     double real = 0.0;
@@ -85,6 +101,7 @@ private:
         write(info_.exits[Index], values, int(sizeof...(Values)));
     }
     void write(const ExitInfo &exit, const RecordValue *values, int count);
+    void store_text(std::string_view text, char *field, size_t size);
 
     const RoutineInfo &info_;
     CallbackContext *ctx_;

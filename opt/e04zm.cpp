@@ -15,43 +15,29 @@ void report(frame::Record &rec, std::string_view optstr, const opt::Setting &s) 
     using Status = opt::Setting::Status;
     if (s.status == Status::unknown_option) return opt::raise_unknown_option<Exit>(rec, optstr);
 
-    const std::string_view value = opt::without_trailing_blanks(s.value);
-    const bool short_value = opt::quoted_fits_one_field(value);
-    if (s.status == Status::not_integer || s.status == Status::not_real) {
-        const bool integer = s.status == Status::not_integer;
-        if (short_value) {
-            const std::string v = opt::quoted_fields<1>(value)[0];
-            return integer ? rec.raise<Exit::not_integer>(v) : rec.raise<Exit::not_real>(v);
-        }
-        const auto v = opt::quoted_fields<6>(value);
-        return integer ? rec.raise<Exit::not_integer_long>(v[0], v[1], v[2], v[3], v[4], v[5])
-                       : rec.raise<Exit::not_real_long>(v[0], v[1], v[2], v[3], v[4], v[5]);
-    }
-
-    const auto name = opt::quoted_fields<2>(opt::table::rows[s.option].display);
-    if (s.status == Status::bad_keyword) {
-        if (short_value) return rec.raise<Exit::bad_keyword>(name[0], name[1], opt::quoted_fields<1>(value)[0]);
-        const auto v = opt::quoted_fields<5>(value);
-        return rec.raise<Exit::bad_keyword_long>(name[0], name[1], v[0], v[1], v[2], v[3], v[4]);
-    }
+    const std::string value = opt::quoted(s.value);
+    if (s.status == Status::not_integer) return rec.raise<Exit::not_integer>(value);
+    if (s.status == Status::not_real) return rec.raise<Exit::not_real>(value);
+    const std::string name = opt::quoted(opt::table::rows[s.option].display);
+    if (s.status == Status::bad_keyword) return rec.raise<Exit::bad_keyword>(name, value);
 
     // out of bounds
     using R = opt::Relation;
     if (s.is_integer) {
         const int64_t v = s.integer_value, b = s.integer_bound;
         switch (s.relation) {
-        case R::ge: return rec.raise<Exit::integer_below>(name[0], name[1], v, b);
-        case R::gt: return rec.raise<Exit::integer_not_above>(name[0], name[1], v, b);
-        case R::le: return rec.raise<Exit::integer_above>(name[0], name[1], v, b);
-        case R::lt: return rec.raise<Exit::integer_not_below>(name[0], name[1], v, b);
+        case R::ge: return rec.raise<Exit::integer_below>(name, v, b);
+        case R::gt: return rec.raise<Exit::integer_not_above>(name, v, b);
+        case R::le: return rec.raise<Exit::integer_above>(name, v, b);
+        case R::lt: return rec.raise<Exit::integer_not_below>(name, v, b);
         }
     }
     const double v = s.real_value, b = s.real_bound;
     switch (s.relation) {
-    case R::ge: return rec.raise<Exit::real_below>(name[0], name[1], v, b);
-    case R::gt: return rec.raise<Exit::real_not_above>(name[0], name[1], v, b);
-    case R::le: return rec.raise<Exit::real_above>(name[0], name[1], v, b);
-    case R::lt: return rec.raise<Exit::real_not_below>(name[0], name[1], v, b);
+    case R::ge: return rec.raise<Exit::real_below>(name, v, b);
+    case R::gt: return rec.raise<Exit::real_not_above>(name, v, b);
+    case R::le: return rec.raise<Exit::real_above>(name, v, b);
+    case R::lt: return rec.raise<Exit::real_not_below>(name, v, b);
     }
 }
 

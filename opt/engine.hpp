@@ -124,8 +124,8 @@ bool check_bounds(frame::Record &rec, const Problem &p, int64_t n, const double 
     const double big = infinite_bound(p);
     for (int64_t j = 0; j < n; ++j) {
         if (!(bl[j] <= bu[j])) return rec.raise<typename Exit::crossed>(j + 1, bl[j], bu[j]), false;
-        if (bl[j] >= big) return rec.raise<typename Exit::lower_infinite>(j + 1, bl[j], big), false;
-        if (bu[j] <= -big) return rec.raise<typename Exit::upper_infinite>(j + 1, bu[j], big), false;
+        if (!(bl[j] < big)) return rec.raise<typename Exit::lower_infinite>(j + 1, bl[j], big), false;
+        if (!(bu[j] > -big)) return rec.raise<typename Exit::upper_infinite>(j + 1, bu[j], big), false;
     }
     return true;
 }

@@ -47,8 +47,8 @@ bool prepare_quadratic(frame::Record &rec, Problem &p, int64_t idqc, int64_t nnz
     if (idqc >= 0) {
         const double big = infinite_bound(p);
         if (!(bl <= bu)) return rec.raise<typename Exit::bounds_crossed>(bl, bu), false;
-        if (bl >= big) return rec.raise<typename Exit::lower_infinite>(bl, big), false;
-        if (bu <= -big) return rec.raise<typename Exit::upper_infinite>(bu, big), false;
+        if (!(bl < big)) return rec.raise<typename Exit::lower_infinite>(bl, big), false;
+        if (!(bu > -big)) return rec.raise<typename Exit::upper_infinite>(bu, big), false;
     }
     if (int64_t i = first_outside(idxr, nnzr, 1, n); i >= 0)
         return rec.raise<typename Exit::idxr_range>(i + 1, idxr[i], n), false;

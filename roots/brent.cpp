@@ -141,7 +141,7 @@ BrentStatus brent_step(double &x, double &y, double fx, double tolx, int64_t ir,
         if (c[s_expected] != double(ind) || c[s_check] != check_word(c))
             return BrentStatus::ind_intermediate;
     }
-    if (tolx <= 0.0) return BrentStatus::tolx_not_positive;
+    if (!(tolx > 0.0)) return BrentStatus::tolx_not_positive;
     if (ir < 0 || ir > 2) return BrentStatus::ir_invalid;
     if (initial && !(std::isfinite(x) && std::isfinite(y))) return BrentStatus::ends_not_finite;
 

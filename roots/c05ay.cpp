@@ -9,7 +9,7 @@ namespace kor::c05ay {
 // answering each request with a call of f.
 void engine(frame::Record &rec, double a, double b, double eps, double eta,
             frame::UserFunction<frame::RealOfReal> &f, double &x) {
-    if (eps <= 0.0) return rec.raise<Exit::eps_not_positive>(eps);
+    if (!(eps > 0.0)) return rec.raise<Exit::eps_not_positive>(eps);
     if (a == b) return rec.raise<Exit::empty_interval>(a, b);
     if (!(std::isfinite(a) && std::isfinite(b))) return rec.raise<Exit::ends_not_finite>(a, b);
     const double fa = f(a), fb = f(b);

@@ -36,7 +36,7 @@ constexpr double value_near_zero = 4.4843049327354256e+307;  // 1 / 2.23e-308
 
 double s14aa::engine(frame::Record &rec, double x) {
     if (std::isnan(x)) return x;
-    if (std::fabs(x) > limit) {
+    if (!(std::fabs(x) <= limit)) {
         if (x > 0.0) {
             rec.raise<Exit::too_large>(x, limit);
             return value_at_limit;

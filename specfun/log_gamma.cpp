@@ -33,11 +33,12 @@ double ratio(const double (&p)[8], const double (&q)[8], double u, double den0) 
 
 double s14ab::engine(frame::Record &rec, double x) {
     constexpr double x_big = cody::XBIG;
-    if (x > x_big) {
+    if (std::isnan(x)) return x;  // propagated, as the C library does
+    if (!(x <= x_big)) {
         rec.raise<Exit::too_large>(x, x_big);
         return frame::machine::largest;
     }
-    if (x <= 0.0) {
+    if (!(x > 0.0)) {
         rec.raise<Exit::not_positive>(x);
         return x == 0.0 ? frame::machine::largest : 0.0;
     }

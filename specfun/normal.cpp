@@ -57,11 +57,12 @@ double g01fa::engine(frame::Record &rec, char tail, double p) {
         rec.raise<Exit::tail_invalid>(shown(tail));
         return 0.0;
     }
-    if (p <= 0.0) {
+    if (std::isnan(p)) return p;  // propagated, as the C library does
+    if (!(p > 0.0)) {
         rec.raise<Exit::p_not_positive>(p);
         return 0.0;
     }
-    if (p >= 1.0) {
+    if (!(p < 1.0)) {
         rec.raise<Exit::p_not_below_one>(p);
         return 0.0;
     }

@@ -696,37 +696,6 @@ TEST(OptionRoutines, CheckTheHandle) {
     EXPECT_EQ(std::string(fail.message), "NE_HANDLE:\n  handle has not been initialized.");
 }
 
-// ---------------------------------------------------------------------------
-// Fields of quoted texts
-
-TEST(OptionText, QuotedFieldsJoinToTheQuotedText) {
-    const std::string texts[] = {"a", std::string(23, 'x'), std::string(24, 'y'), "Print Lev = 1",
-                                 "ab                         cd", std::string(60, ' ') + "z",
-                                 std::string(400, 'w'), [] { std::string t; for (int i = 0; i < 40; ++i) t += "word "; return t; }(),
-                                 std::string("with \x01 mark and \0 nul", 22)};
-    for (const std::string &t : texts) {
-        SCOPED_TRACE(t);
-        const auto six = opt::quoted_fields<6>(t);
-        std::string joined;
-        for (const std::string &f : six) {
-            EXPECT_FALSE(f.empty());
-            EXPECT_LE(f.size(), opt::record_field_length);
-            joined += f;
-        }
-        std::string expected = "\"" + t + "\"";
-        if (t.size() + 2 > 150) expected = "\"" + t.substr(0, 145) + "...\"";
-        for (char &c : expected)
-            if (c == '\0' || c == '\x01') c = '?';
-        if (t.size() + 2 >= 6) { EXPECT_EQ(joined, expected); }
-        // No field before the last ends in a blank, unless only blanks were
-        // within its reach.
-        if (t.find(std::string(25, ' ')) == std::string::npos && t.size() < 100) {
-            for (size_t i = 0; i + 1 < six.size(); ++i) EXPECT_NE(six[i].back(), ' ') << i;
-        }
-    }
-    EXPECT_TRUE(opt::quoted_fits_one_field(std::string(23, 'x')));
-    EXPECT_FALSE(opt::quoted_fits_one_field(std::string(24, 'x')));
-}
 
 // ---------------------------------------------------------------------------
 // Listing
