@@ -211,7 +211,8 @@ def choose(chapters, count, seed, min_per_chapter):
 
 def run(cmd, timeout=None, cwd=TOP):
     try:
-        p = subprocess.run(cmd, cwd=cwd, capture_output=True, text=True, timeout=timeout)
+        p = subprocess.run(cmd, cwd=cwd, capture_output=True, text=True, errors="replace",
+                           timeout=timeout)
         return p.returncode, p.stdout + p.stderr
     except subprocess.TimeoutExpired:
         return None, "timeout"
