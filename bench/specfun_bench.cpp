@@ -1,17 +1,23 @@
 // Special functions side by side with glibc and GSL on the same 10^6
 // arguments: ns per call of the C interfaces (with a KorError record, as
 // callers use them) against lgamma, tgamma, gsl_sf_lngamma and
-// gsl_cdf_ugaussian_Pinv.
+// gsl_cdf_ugaussian_Pinv; and what the interface frame adds to a call, the
+// C interface against its own engine on the same arguments.
 #include <benchmark/benchmark.h>
 #include <gsl/gsl_cdf.h>
 #include <gsl/gsl_errno.h>
 #include <gsl/gsl_sf_gamma.h>
 
+#include <time.h>
+
 #include <cmath>
 #include <random>
 #include <vector>
 
+#include "frame/interface.hpp"
 #include "kor.h"
+#include "s14ab_def.hpp"
+#include "s15ad_def.hpp"
 
 namespace {
 
@@ -53,6 +59,58 @@ void BM_s14aac(benchmark::State &s) { run(s, gamma_args(), [](double x) { return
 void BM_glibc_tgamma(benchmark::State &s) { run(s, gamma_args(), [](double x) { return std::tgamma(x); }); }
 void BM_g01fac(benchmark::State &s) { run(s, probabilities(), [](double p) { return g01fac(Kor_TailLower, p, &fail); }); }
 void BM_gsl_cdf_ugaussian_Pinv(benchmark::State &s) { run(s, probabilities(), [](double p) { return gsl_cdf_ugaussian_Pinv(p); }); }
+
+// CPU time of this thread in ns: unlike the wall clock it does not count
+// the time other programs hold the processor.
+double cpu_ns() {
+    timespec t;
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &t);
+    return 1e9 * double(t.tv_sec) + double(t.tv_nsec);
+}
+
+// The frame's cost: the whole C interface of a routine and its engine
+// alone (as the engine layer calls it), timed in alternating rounds so that
+// both see the same machine; frame_ns is the difference per call.
+template <class Interface, class Engine>
+void frame_cost(benchmark::State &state, const std::vector<double> &xs, Interface interface,
+                Engine engine) {
+    double with_frame = 0, without = 0, sum = 0;
+    for (auto _ : state) {
+        const double t0 = cpu_ns();
+        for (double x : xs) sum += interface(x);
+        const double t1 = cpu_ns();
+        for (double x : xs) sum += engine(x);
+        const double t2 = cpu_ns();
+        with_frame += t1 - t0;
+        without += t2 - t1;
+    }
+    benchmark::DoNotOptimize(sum);
+    const double calls = double(state.iterations()) * double(xs.size());
+    state.counters["interface_ns"] = with_frame / calls;
+    state.counters["engine_ns"] = without / calls;
+    state.counters["frame_ns"] = (with_frame - without) / calls;
+}
+
+template <class Engine>
+double through_engine(Engine engine, double x) {
+    CallbackContext ctx;
+    y90haan_(&ctx);
+    char text[kor::frame::record_length];
+    int64_t outcome = 1;
+    kor::frame::Record rec(kor::s15ad::info, &ctx, text, kor::frame::record_length, &outcome);
+    return engine(rec, x);
+}
+
+void BM_FrameCost_s15adc(benchmark::State &s) {
+    frame_cost(s, lgamma_args(), [](double x) { return s15adc(x, &fail); },
+               [](double x) { return through_engine(kor::s15ad::engine, x); });
+}
+void BM_FrameCost_s14abc(benchmark::State &s) {
+    frame_cost(s, lgamma_args(), [](double x) { return s14abc(x, &fail); },
+               [](double x) { return through_engine(kor::s14ab::engine, x); });
+}
+BENCHMARK(BM_FrameCost_s15adc)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_FrameCost_s14abc)->Unit(benchmark::kMillisecond);
 
 BENCHMARK(BM_s14abc)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_glibc_lgamma)->Unit(benchmark::kMillisecond);

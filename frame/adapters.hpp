@@ -3,6 +3,8 @@
 // (frame/callbacks.hpp) supplies the request record and the actual calls.
 #pragma once
 
+#include <exception>
+
 #include "frame/context.hpp"
 #include "frame/record.hpp"
 #include "frame/trace.hpp"
@@ -59,7 +61,13 @@ public:
     template <class... Args>
     auto operator()(Args... args) {
         typename Kind::Call call{args...};
-        print_(adapter_, fn_, ctx_, &call, u1_, u2_);
+        try {
+            print_(adapter_, fn_, ctx_, &call, u1_, u2_);
+        } catch (...) {
+            // The caller's own exception: it is to reach the caller as it
+            // was thrown, not be taken for one of the library's.
+            throw UserException{std::current_exception()};
+        }
         if (ctx_->status != 0) throw Abandon{};
         return Kind::result(call);
     }

@@ -22,8 +22,22 @@ struct CallbackContext {
 };
 
 // Resets a context to the values every call starts from.  Inline because
-// every call pays for it; the symbol is still emitted (frame/interface.cpp).
-inline void y90haan_(CallbackContext *ctx) { *ctx = CallbackContext{}; }
+// every call pays for it, and field by field, which compiles to a few
+// stores; the symbol is still emitted (frame/interface.cpp).
+inline void y90haan_(CallbackContext *ctx) {
+    ctx->texts = nullptr;
+    ctx->status = 0;
+    ctx->reserved3 = nullptr;
+    ctx->direct_call = 1;
+    ctx->reserved5 = 0;
+    ctx->reserved6 = 0;
+    ctx->reserved7 = nullptr;
+    ctx->reserved8 = nullptr;
+    ctx->reserved9 = nullptr;
+    ctx->reserved10 = 1;
+    ctx->reserved11 = 0;
+    ctx->reserved12 = 0;
+}
 
 // A user function of any kind, its type erased; each callback kind knows
 // its real signature.

@@ -13,6 +13,7 @@
 #include "frame/context.hpp"
 #include "frame/errors.hpp"
 #include "frame/record.hpp"
+#include "frame/trace.hpp"
 #include "kor/types.h"
 
 extern "C" {
@@ -38,16 +39,29 @@ inline void clear_record(char *text) {
     text[record_length - 1] = '\0';
 }
 
+// The record as a call starts it.  Only a raised exit fills it, and only a
+// text that begins with the record mark is read, so a blank first character
+// makes it empty; the rest is cleared only when the trace will show it.
+// Every call pays for this, so it costs two stores when tracing is off.
+inline void start_record(char *text) {
+    if (trace_on()) return clear_record(text);
+    text[0] = ' ';
+    text[record_length - 1] = '\0';
+}
+
 void report_null_pointer(const RoutineInfo &info, const char *name, KorError *fail);
 
-// Reports NE_BAD_PARAM for the first null pointer; true when all are set.
-inline bool check_pointers(const RoutineInfo &info, std::initializer_list<NamedPointer> pointers,
-                           KorError *fail) {
-    for (const NamedPointer &p : pointers)
-        if (!p.pointer && p.used) {
-            report_null_pointer(info, p.name, fail);
-            return false;
-        }
+// Reports NE_BAD_PARAM for the first null pointer that the call uses; true
+// when all are set.  A fold over the pointers, so that a call pays one test
+// per pointer and the names are touched only on failure.
+template <class... Pointers>
+bool check_pointers(const RoutineInfo &info, KorError *fail, Pointers... pointers) {
+    const char *missing = nullptr;
+    ((missing || pointers.pointer || !pointers.used ? void() : void(missing = pointers.name)), ...);
+    if (missing) [[unlikely]] {
+        report_null_pointer(info, missing, fail);
+        return false;
+    }
     return true;
 }
 
@@ -71,6 +85,8 @@ void run_engine(const RoutineInfo &info, CallbackContext *ctx, char *text, int64
         if (!rec.raised()) *outcome = 0;
     } catch (const Abandon &) {
         return;  // outcome and record stay as the interface left them
+    } catch (const UserException &e) {
+        std::rethrow_exception(e.original);
     } catch (const std::bad_alloc &) {
         *outcome = -999;
     }
@@ -97,18 +113,17 @@ inline void report_success(const RoutineInfo &info, KorError *fail) {
     std::memcpy(fail->message, text, sizeof text);
 }
 
-template <class Body>
-void c_interface(const RoutineInfo &info, KorError *fail,
-                 std::initializer_list<NamedPointer> pointers, Body &&body) {
+template <class Body, class... Pointers>
+void c_interface(const RoutineInfo &info, KorError *fail, Body &&body, Pointers... pointers) {
     if (!io_ready.load(std::memory_order_relaxed)) f90_io_init();
     if (fail) {
         fail->code = 0;
         fail->errnum = 0;
     }
     char text[record_length];
-    clear_record(text);
+    start_record(text);
     int64_t outcome = 1;
-    if (check_pointers(info, pointers, fail)) {
+    if (check_pointers(info, fail, pointers...)) {
         CallbackContext ctx;
         y90haan_(&ctx);
         RecordTexts texts;
@@ -122,7 +137,7 @@ void c_interface(const RoutineInfo &info, KorError *fail,
 template <class Body>
 void fortran_interface(const RoutineInfo &info, int64_t *ifail, Body &&body) {
     char text[record_length];
-    clear_record(text);
+    start_record(text);
     int64_t outcome = 1;
     CallbackContext ctx;
     y90haan_(&ctx);

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <exception>
 #include <string_view>
 #include <type_traits>
 
@@ -47,6 +48,13 @@ struct ExitTag {
 // Thrown by a user-function call when the context asks the engine to return
 // at once; caught by the engine layer, which leaves outcome and record alone.
 struct Abandon {};
+
+// Carries an exception that a user function threw through the engine,
+// whose objects are destroyed on the way as usual; the engine layer throws
+// the original on to the routine's caller.
+struct UserException {
+    std::exception_ptr original;
+};
 
 // Text values of a report, kept by the interface for the length of a call
 // (the context points to them): a text of any length travels here, and the

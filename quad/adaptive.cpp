@@ -59,15 +59,22 @@ void finish_subdivision(double *rinfo, int64_t *iinfo, int64_t maxsub, const Out
     if (nsub < 1 || nsub > maxsub) return;
     if (nsub < maxsub) {
         // Blocks 1..3 move down to stride nsub; each lands below where it
-        // starts and above the blocks already moved.
-        for (int64_t k = 1; k < 4; ++k)
-            std::memmove(rinfo + k * nsub, rinfo + k * maxsub, size_t(nsub) * sizeof(double));
+        // starts and above the blocks already moved.  A cheap integral ends
+        // with one subinterval, whose three values move one by one.
+        for (int64_t k = 1; k < 4; ++k) {
+            if (nsub == 1)
+                rinfo[k] = rinfo[k * maxsub];
+            else
+                std::memmove(rinfo + k * nsub, rinfo + k * maxsub, size_t(nsub) * sizeof(double));
+        }
         std::fill(rinfo + 4 * nsub, rinfo + 4 * maxsub, 0.0);
     }
     // Rank the lower ends (m01da's computation) and put each block in that
-    // order (m01ea's).
-    sort::rank_real(rinfo, nsub, true, iinfo);
-    for (int64_t k = 0; k < 4; ++k) sort::reorder_real(rinfo + k * nsub, nsub, iinfo);
+    // order (m01ea's); a single subinterval is in order already.
+    if (nsub > 1) {
+        sort::rank_real(rinfo, nsub, true, iinfo);
+        for (int64_t k = 0; k < 4; ++k) sort::reorder_real(rinfo + k * nsub, nsub, iinfo);
+    }
     std::fill(iinfo, iinfo + std::max<int64_t>(4, maxsub), 0);
     iinfo[0] = nsub;
     iinfo[2] = out.summed ? 0 : 1;

@@ -5,8 +5,8 @@
 
 namespace kor::c05ay {
 
-// Drives the reverse-communication search with the absolute error test,
-// answering each request with a call of f.
+// Drives Brent's search with the absolute error test, answering each
+// request with a call of f: the evaluations c05az would ask for.
 void engine(frame::Record &rec, double a, double b, double eps, double eta,
             frame::UserFunction<frame::RealOfReal> &f, double &x) {
     if (!(eps > 0.0)) return rec.raise<Exit::eps_not_positive>(eps);
@@ -15,12 +15,14 @@ void engine(frame::Record &rec, double a, double b, double eps, double eta,
     const double fa = f(a), fb = f(b);
     if (!roots::brackets_zero(fa, fb)) return rec.raise<Exit::no_sign_change>(fa, fb);
 
-    double c[KOR_C05AZ_LC];
+    // The reverse-communication search's requests, answered at once: its
+    // state stays in a local instead of the caller's array.
+    roots::Brent search;
     double y = b, fx = fa;
     int64_t ind = -1;
     x = a;
     for (;;) {
-        switch (roots::brent_step(x, y, fx, eps, 1, c, ind)) {
+        switch (search.advance(x, y, fx, eps, 1, ind)) {
         case roots::BrentStatus::evaluate:
             fx = f(x);
             if (std::fabs(fx) < eta || fx == 0.0) return;

@@ -545,11 +545,17 @@ def shell(r, kinds):
     out.append("}")
     out.append("")
 
-    # trace and entry layers
-    out.append(f"void {code}fv_({params}) {{")
-    out.append(f"    if (!frame::trace_on()) return {code}fn_({names});")
+    # trace and entry layers: the traced call is kept out of line, so that
+    # the interfaces, which inline everything else, stay small
+    out.append("}  // extern \"C\"")
+    out.append(f"[[gnu::noinline, gnu::cold]] static void {code}_traced({params}) {{")
     out.append(f'    frame::traced("{code}fv", [&] {{ {code}fn_({names}); }},')
     out.append("                  {" + ",\n                   ".join(trace_args(r)) + "});")
+    out.append("}")
+    out.append('extern "C" {')
+    out.append(f"void {code}fv_({params}) {{")
+    out.append(f"    if (frame::trace_on()) [[unlikely]] return {code}_traced({names});")
+    out.append(f"    {code}fn_({names});")
     out.append("}")
     out.append("")
     out.append(f"void {code}ft_({params}) {{ {code}fv_({names}); }}")
@@ -616,18 +622,18 @@ def shell(r, kinds):
     def pointer_entry(a):
         count = r.count_of(a)
         used = f", {count.name} > 0" if count else ""
-        return f'{{"{a.name}", reinterpret_cast<const void *>({a.name}){used}}}'
+        return f'frame::NamedPointer{{"{a.name}", reinterpret_cast<const void *>({a.name}){used}}}'
 
     out.append(f"KOR_EXPORT KOR_FLATTEN {ret} {code}c({c_params}) {{")
     if r.result:
         out.append(f"    {r.result_ctype} result = 0;")
     if r.fail:
-        pointers = ", ".join(pointer_entry(a) for a in checked)
-        out.append(f"    frame::c_interface(def::info, fail, {{{pointers}}}, "
+        pointers = "".join(", " + pointer_entry(a) for a in checked)
+        out.append("    frame::c_interface(def::info, fail, "
                    "[&](CallbackContext *ctx, char *errbuf, int64_t *outcome) {")
         out += ["        " + p for p in prelude]
         out.append("        " + entry_call)
-        out.append("    });")
+        out.append(f"    }}{pointers});")
     else:
         if checked:
             test = " || ".join(f"!{a.name}" for a in checked)
@@ -745,10 +751,22 @@ def md_code(text):
     return "`" + text.replace("\n", "\\n") + "`"
 
 
-def reference_page(chapter, title, routines, kinds):
+def reference_page(chapter, title, routines, kinds, constants=(), enums=()):
     out = [f"# {chapter}: {title}", "",
            "This page is generated from the routine definitions by `tools/korgen.py`;",
            "edit the definition files, not this page.", ""]
+    if constants or enums:
+        out += ["## Constants and enumerations", "",
+                "Declared in the chapter's header (included by `kor.h`); the Fortran-style",
+                "interface takes the integer values its arguments' descriptions give.", ""]
+        for c in constants:
+            out.append(f"- `{c['name']}` = {c['value']}: {c.get('doc', '')}")
+        if constants:
+            out.append("")
+        for e in enums:
+            out += [f"`{e['name']}`: {e.get('doc', '')}", "", "| Enumerator | C value |", "|---|---|"]
+            out += [f"| `{n}` | {v} |" for n, v in e["values"]]
+            out.append("")
     for r in routines:
         out += [f"## {r.code}: {r.purpose}", ""]
         if r.description:
@@ -821,7 +839,8 @@ def main():
     def of_chapter(items, chapter):
         return [x for c, x in items if c == chapter]
 
-    pages = {ch: reference_page(ch, title, [r for r in routines if r.chapter == ch], kinds)
+    pages = {ch: reference_page(ch, title, [r for r in routines if r.chapter == ch], kinds,
+                                of_chapter(constants, ch), of_chapter(enums, ch))
              for ch, title in chapters.items()}
 
     if opts.check_docs:
