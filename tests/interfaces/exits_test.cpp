@@ -7,7 +7,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstring>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -38,13 +37,9 @@ std::string record_text(const kor::frame::ExitInfo &e) {
 std::string fill(const std::string &pattern, int &next) {
     std::string out;
     for (size_t i = 0; i < pattern.size(); ++i) {
-        if (pattern.compare(i, 2, "%s") == 0) {
-            out += sample_values[next++];
-            ++i;
-        } else {
-            out += pattern[i];
-            if (pattern.compare(i, 2, "%%") == 0) ++i;
-        }
+        const bool slot = pattern.compare(i, 2, "%s") == 0;
+        out += slot ? std::string(sample_values[next++]) : std::string(1, pattern[i]);
+        if (slot || pattern.compare(i, 2, "%%") == 0) ++i;
     }
     return out;
 }
@@ -119,7 +114,7 @@ TEST(EveryExit, ComposesTheFortranLines) {
                 const size_t records = std::max<size_t>(1, (line.size() + 79) / 80);
                 size_t end = 0;  // the records of this line: as many as its words need
                 std::string want = words_of(line, false), got;
-                for (size_t r = 0; got.size() < want.size() && end < out.size(); ++r) {
+                while (got.size() < want.size() && end < out.size()) {
                     end = out.find('\n', end) + 1;
                     got = words_of(out.substr(0, end), true);
                 }
