@@ -16,8 +16,8 @@
 
 #include "frame/interface.hpp"
 #include "kor.h"
-#include "s14ab_def.hpp"
-#include "s15ad_def.hpp"
+#include "specfun/log_gamma.hpp"
+#include "specfun/normal.hpp"
 
 namespace {
 

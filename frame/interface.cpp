@@ -78,8 +78,10 @@ const char *RecordTexts::resolve(const char *field) const {
 // Puts a text value where the report will find it: in the interface's store
 // when there is one (the field then refers to it), else into the field.
 // Marks and NULs would break the record or the message; they show as '?'.
-void Record::store_text(std::string_view text, char *field, size_t size) {
-    auto *texts = ctx_ ? static_cast<RecordTexts *>(ctx_->texts) : nullptr;
+namespace {
+
+void store_text(CallbackContext *ctx, std::string_view text, char *field, size_t size) {
+    auto *texts = ctx ? static_cast<RecordTexts *>(ctx->texts) : nullptr;
     const size_t room = texts ? size_t(RecordTexts::capacity - texts->used) : 0;
     if (room == 0) {
         std::snprintf(field, size, "%.25s", std::string(text).c_str());
@@ -96,10 +98,11 @@ void Record::store_text(std::string_view text, char *field, size_t size) {
     texts->used += int(n + 1);
 }
 
-void Record::write(const ExitInfo &exit, const RecordValue *values, int count) {
-    raised_ = true;
-    *outcome_ = exit.outcome;
-    if (length_ <= 0) return;
+}  // namespace
+
+void Record::write_record(CallbackContext *ctx, char *text, int64_t length, const ExitInfo &exit,
+                          const RecordValue *values, int count) {
+    if (length <= 0) return;
     char buffer[record_length * 2];
     int used = std::snprintf(buffer, sizeof buffer, "\x01%" PRId64 "\x01%" PRId64 "\x01%d\x01",
                              exit.outcome, exit.message, count);
@@ -113,15 +116,15 @@ void Record::write(const ExitInfo &exit, const RecordValue *values, int count) {
             std::snprintf(field, sizeof field, "%" PRId64, values[i].integer);
             break;
         case RecordValue::text_value:
-            store_text(values[i].text, field, sizeof field);
+            store_text(ctx, values[i].text, field, sizeof field);
             break;
         }
         used += std::snprintf(buffer + used, sizeof buffer - size_t(used), "%s\x01", field);
     }
-    const size_t n = std::min<size_t>(size_t(used), size_t(length_ - 1));
-    std::memcpy(text_, buffer, n);
-    std::memset(text_ + n, ' ', size_t(length_ - 1) - n);
-    text_[length_ - 1] = '\0';
+    const size_t n = std::min<size_t>(size_t(used), size_t(length - 1));
+    std::memcpy(text, buffer, n);
+    std::memset(text + n, ' ', size_t(length - 1) - n);
+    text[length - 1] = '\0';
 }
 
 void report_null_pointer(const RoutineInfo &info, const char *name, KorError *fail) {

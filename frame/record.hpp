@@ -106,10 +106,14 @@ private:
         static_assert(sizeof...(Values) == sizeof...(Args),
                       "the exit carries a different number of values");
         const RecordValue values[sizeof...(Values) + 1] = {RecordValue(Values(args))..., RecordValue(int64_t(0))};
-        write(info_.exits[Index], values, int(sizeof...(Values)));
+        raised_ = true;
+        *outcome_ = info_.exits[Index].outcome;
+        write_record(ctx_, text_, length_, info_.exits[Index], values, int(sizeof...(Values)));
     }
-    void write(const ExitInfo &exit, const RecordValue *values, int count);
-    void store_text(std::string_view text, char *field, size_t size);
+    // Out of line and given the fields it needs rather than the record, so
+    // that a record stays in registers on the path that raises nothing.
+    static void write_record(CallbackContext *ctx, char *text, int64_t length, const ExitInfo &exit,
+                             const RecordValue *values, int count);
 
     const RoutineInfo &info_;
     CallbackContext *ctx_;

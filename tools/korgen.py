@@ -246,6 +246,9 @@ class Routine:
         self.fail = entry.get("fail", True)
         self.result = entry.get("result")
         self.c_result_type = entry.get("c_result_type")
+        # A header that defines the engine inline: the shell includes it, so
+        # that a cheap engine is folded into its interfaces with the frame.
+        self.engine_header = entry.get("engine_header")
         self.args = [Arg(a, self.code) for a in entry.get("args", [])]
         self.exits = [Exit(e, self.code, self.args) for e in entry.get("exit", [])]
         if not self.fail and self.exits:
@@ -456,7 +459,8 @@ def def_header(r, kinds):
     out.append("};")
     out.append("")
     ret = r.result_ctype
-    out.append(f"{ret} engine({', '.join(r.engine_params(kinds))});")
+    inline = "inline " if r.engine_header else ""
+    out.append(f"{inline}{ret} engine({', '.join(r.engine_params(kinds))});")
     out.append("")
     out.append(f"}}  // namespace {ns}")
     out.append("")
@@ -513,7 +517,7 @@ def shell(r, kinds):
            f"// Generated from {os.path.basename(r.source)} by tools/korgen.py: do not edit.",
            "#include <cstring>", "",
            '#include "frame/interface.hpp"', '#include "frame/trace.hpp"',
-           f'#include "{code}_def.hpp"', "",
+           f'#include "{code}_def.hpp"'] + ([f'#include "{r.engine_header}"'] if r.engine_header else []) + ["",
            "#define KOR_EXPORT __attribute__((visibility(\"default\")))",
            "// The layers below an interface are folded into it: they stay as symbols",
            "// of their own, but a call does not pay for each hop.",

@@ -1,4 +1,5 @@
 // ln Γ(x) by Cody and Stoltz's rational Chebyshev approximations.
+#pragma once
 #include <cmath>
 
 #include "frame/machine.hpp"
@@ -7,20 +8,20 @@
 
 namespace kor {
 
-namespace {
+namespace log_gamma_detail {
 
 namespace cody = data::lgamma_cody;
 
 // Below this ln Γ(x) = -ln x to working precision.
-constexpr double tiny = frame::machine::precision;
+inline constexpr double tiny = frame::machine::precision;
 // Beyond this the correction series no longer changes the result.  The
 // value is held one unit in the second digit below the published 2.25e76,
 // and kept so that results stay as they have always been.
-constexpr double series_limit = 2.24e76;
+inline constexpr double series_limit = 2.24e76;
 
 // P(u)/Q(u) of one of the published pairs, both by Horner's rule over the
 // eight coefficients; the denominator's recurrence starts at `den0`.
-double ratio(const double (&p)[8], const double (&q)[8], double u, double den0) {
+inline double ratio(const double (&p)[8], const double (&q)[8], double u, double den0) {
     double num = 0.0, den = den0;
     for (int i = 0; i < 8; ++i) {
         num = num * u + p[i];
@@ -29,9 +30,10 @@ double ratio(const double (&p)[8], const double (&q)[8], double u, double den0) 
     return num / den;
 }
 
-}  // namespace
+}  // namespace log_gamma_detail
 
-double s14ab::engine(frame::Record &rec, double x) {
+inline double s14ab::engine(frame::Record &rec, double x) {
+    using namespace log_gamma_detail;
     constexpr double x_big = cody::XBIG;
     if (std::isnan(x)) return x;  // propagated, as the C library does
     if (!(x <= x_big)) {

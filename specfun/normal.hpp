@@ -1,5 +1,6 @@
 // The error functions and the normal distribution: thin compositions of
 // the C library's erf and erfc and the shared inverse normal.
+#pragma once
 #include <cmath>
 
 #include "g01ea_def.hpp"
@@ -12,15 +13,15 @@
 
 namespace kor {
 
-namespace {
+namespace normal_detail {
 
 // s15ab/s15ac divide by the rounded √2 and g01ea multiplies by the rounded
 // 1/√2: the two may differ in the last bit, and each keeps its own formula.
-constexpr double sqrt2 = 1.4142135623730951;
-constexpr double rsqrt2 = 0.7071067811865475;
+inline constexpr double sqrt2 = 1.4142135623730951;
+inline constexpr double rsqrt2 = 0.7071067811865475;
 
 // The tail letter in upper case, or 0 when it is none of L, U, S, C.
-char tail_letter(char tail) {
+inline char tail_letter(char tail) {
     switch (tail) {
     case 'L': case 'l': return 'L';
     case 'U': case 'u': return 'U';
@@ -30,16 +31,17 @@ char tail_letter(char tail) {
     }
 }
 
-std::string_view shown(const char &letter) { return std::string_view(&letter, 1); }
+inline std::string_view shown(const char &letter) { return std::string_view(&letter, 1); }
 
-}  // namespace
+}  // namespace normal_detail
 
-double s15ab::engine(frame::Record &, double x) { return 0.5 * std::erfc(-(x / sqrt2)); }
-double s15ac::engine(frame::Record &, double x) { return 0.5 * std::erfc(x / sqrt2); }
-double s15ad::engine(frame::Record &, double x) { return std::erfc(x); }
-double s15ae::engine(frame::Record &, double x) { return std::erf(x); }
+inline double s15ab::engine(frame::Record &, double x) { return 0.5 * std::erfc(-(x / normal_detail::sqrt2)); }
+inline double s15ac::engine(frame::Record &, double x) { return 0.5 * std::erfc(x / normal_detail::sqrt2); }
+inline double s15ad::engine(frame::Record &, double x) { return std::erfc(x); }
+inline double s15ae::engine(frame::Record &, double x) { return std::erf(x); }
 
-double g01ea::engine(frame::Record &rec, char tail, double x) {
+inline double g01ea::engine(frame::Record &rec, char tail, double x) {
+    using namespace normal_detail;
     switch (tail_letter(tail)) {
     case 'L': return 0.5 * std::erfc(-x * rsqrt2);
     case 'U': return 0.5 * std::erfc(x * rsqrt2);
@@ -51,7 +53,8 @@ double g01ea::engine(frame::Record &rec, char tail, double x) {
     }
 }
 
-double g01fa::engine(frame::Record &rec, char tail, double p) {
+inline double g01fa::engine(frame::Record &rec, char tail, double p) {
+    using namespace normal_detail;
     const char letter = tail_letter(tail);
     if (!letter) {
         rec.raise<Exit::tail_invalid>(shown(tail));

@@ -1,5 +1,6 @@
 // Γ(x): Γ(1 + t) by a polynomial on [0, 1), the argument brought there by
 // the recurrence Γ(x + 1) = xΓ(x).
+#pragma once
 #include <cmath>
 
 #include "frame/machine.hpp"
@@ -7,13 +8,13 @@
 
 namespace kor {
 
-namespace {
+namespace gamma_detail {
 
 // Γ(1 + t) as a polynomial in u = 2t - 1, for 13 to 15 decimal digits, from
 // the highest power (u^21) down to the constant term Γ(3/2).  The u^21
 // coefficient is negative: printed positive it makes Γ wrong by 2.5e-10
 // near every integer.
-constexpr double gamma_poly_15[22] = {
+inline constexpr double gamma_poly_15[22] = {
     -1.2431917056e-10,   3.6228825088e-10,    -4.0309096448e-10,  1.26523670528e-09,
     -5.41946609664e-09,  1.61313357824e-08,   -4.62092034048e-08, 1.3876034404352e-07,
     -4.1796527845376e-07, 1.25314824777728e-06, -3.75493050232832e-06, 1.125234962812416e-05,
@@ -26,15 +27,16 @@ constexpr double gamma_poly_15[22] = {
 static_assert(frame::machine::decimal_digits >= 13 && frame::machine::decimal_digits <= 15,
               "Γ's polynomial set does not match the arithmetic");
 
-constexpr double limit = 170.0;
-constexpr double value_at_limit = 4.3e+304;
-constexpr double reciprocal_cutoff = 1e-17;
-constexpr double smallest = 2.23e-308;
-constexpr double value_near_zero = 4.4843049327354256e+307;  // 1 / 2.23e-308
+inline constexpr double limit = 170.0;
+inline constexpr double value_at_limit = 4.3e+304;
+inline constexpr double reciprocal_cutoff = 1e-17;
+inline constexpr double smallest = 2.23e-308;
+inline constexpr double value_near_zero = 4.4843049327354256e+307;  // 1 / 2.23e-308
 
-}  // namespace
+}  // namespace gamma_detail
 
-double s14aa::engine(frame::Record &rec, double x) {
+inline double s14aa::engine(frame::Record &rec, double x) {
+    using namespace gamma_detail;
     if (std::isnan(x)) return x;
     if (!(std::fabs(x) <= limit)) {
         if (x > 0.0) {
