@@ -1,16 +1,18 @@
 #!/usr/bin/python3
-"""Writes reference.tsv: high-precision values of ln Γ, Γ, the normal
-distribution, erfc, erf and the inverse normal at sample arguments, computed
-with mpmath at 40 significant digits.
+"""Writes reference.tsv beside this script: high-precision values of ln Γ,
+Γ, the normal distribution and its tails, erfc, erf and the normal deviates
+of every tail at sample arguments, computed with mpmath at 40 significant
+digits.
 
-Each line: function, range label, the argument as an exact hexadecimal
+Each line: function (with the tail letter after a colon for g01ea and
+g01fa's other tails), range label, the argument as an exact hexadecimal
 double, the reference value to 25 significant digits.  The samples are
 fixed by a seeded generator, so the table is reproducible.
 
-Run: /usr/bin/python3 tests/specfun/make_reference.py > tests/specfun/reference.tsv
-(needs Debian's python3-mpmath).
+Run: python3 tests/data/specfun/make_reference.py  (needs python3-mpmath)
 """
 import math
+import os
 import random
 
 import mpmath
@@ -46,7 +48,7 @@ def probit(p):
 def emit(function, label, xs, value):
     for x in xs:
         v = value(mpmath.mpf(x))
-        print(f"{function}\t{label}\t{float(x).hex()}\t{mpmath.nstr(v, 25, min_fixed=1, max_fixed=0)}")
+        out.write(f"{function}\t{label}\t{float(x).hex()}\t{mpmath.nstr(v, 25, min_fixed=1, max_fixed=0)}\n")
 
 
 def main():
@@ -86,6 +88,22 @@ def main():
     emit("g01fa", "(0.075,0.925)", uniform(0.075, 0.925, 150) + [0.5, 0.25], probit)
     emit("g01fa", "[0.925,1)", [1.0 - d for d in log_uniform(2.0**-53, 0.075, 100)], probit)
 
+    # The other tails of g01ea, to where the probability is still normal.
+    sqrt2 = mpmath.sqrt(2)
+    emit("g01ea:L", "[-37,9]", uniform(-37.0, 9.0, 100) + [0.0], phi)
+    emit("g01ea:U", "[-9,37]", uniform(-9.0, 37.0, 100) + [0.0], lambda x: mpmath.ncdf(-x))
+    emit("g01ea:S", "[-26,26]", uniform(-26.0, 26.0, 100) + [0.0], lambda x: mpmath.erfc(abs(x) / sqrt2))
+    emit("g01ea:C", "[-6,6]", uniform(-6.0, 6.0, 100) + [1e-10, 1e-300],
+         lambda x: mpmath.erf(abs(x) / sqrt2))
+    # Subnormal probabilities, and g01fa's other tails: 'U' -z(p), 'S' -z(p/2)
+    # and 'C' z(1/2 + p/2) = √2 erfinv(p).
+    emit("g01fa", "(0,1e-307)", [1e-310, 1e-320, 5e-324], probit)
+    emit("g01fa:U", "(0,1)", log_uniform(1e-300, 1.0, 50) + [0.025, 1.0 - 2.0**-53], lambda p: -probit(p))
+    emit("g01fa:S", "(0,1)", log_uniform(1e-300, 1.0, 50) + [0.05, 1.0 - 2.0**-53], lambda p: -probit(p / 2))
+    emit("g01fa:C", "(0,1)", uniform(0.0, 1.0, 50) + [1e-300, 0.95, 1.0 - 2.0**-53],
+         lambda p: sqrt2 * mpmath.erfinv(p))
+
 
 if __name__ == "__main__":
-    main()
+    with open(os.path.join(os.path.dirname(os.path.abspath(__file__)), "reference.tsv"), "w") as out:
+        main()
