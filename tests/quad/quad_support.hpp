@@ -1,7 +1,5 @@
-// The integrands of tests/data/quad/make_reference.py, written with the same
-// C library calls in the same order so that both sides evaluate
-// bit-identical values; the table it writes; d01rjc and d01rkc run with a
-// counting integrand; and what every finished run must return.
+// The integrands and table of tests/data/quad/make_reference.py (the same C library
+// calls, so bit-identical values), counted runs, and what every run returns.
 #pragma once
 
 #include <algorithm>
@@ -33,8 +31,7 @@ inline double integrand(const std::string &name, double x, double p) {
     return std::nan("");
 }
 
-// A vectorised integrand by name, callable as the cores call f, that counts
-// its calls and points and stops the run at call stop_at.
+// f by name, callable as the cores call it; counts, and stops at call stop_at.
 struct Integrand {
     std::string name;
     double p = 0.0;
@@ -81,8 +78,7 @@ struct QuadRun {
     int64_t nsub() const { return iinfo[0]; }
 };
 
-// d01rjc (key 0) or d01rkc, its arrays filled with `fill` and followed by 8
-// more entries that must stay untouched.
+// d01rjc (key 0) or d01rkc, the arrays filled, 8 more entries to stay untouched.
 inline QuadRun run(Integrand f, int64_t key, double a, double b, double epsabs, double epsrel,
                    int64_t maxsub, double fill = -7.0) {
     QuadRun r;
@@ -99,13 +95,11 @@ inline QuadRun run(Integrand f, int64_t key, double a, double b, double epsabs, 
     return r;
 }
 
-// What every run that was neither refused nor stopped returns: 2·nsub − 1
-// calls of all the rule's points; the subintervals tiling [a, b] by lower
-// end (from a_i down to b_i when b < a), the rest of rinfo zero; iinfo
-// {nsub, 0, flag, 0 ...}, flag 0 when result is the sum of the contributions
-// (always for d01rk, except for the first estimate); and the exact integral
-// (NaN: none) within abserr, plus two units in the last place of result
-// (the rounding of the returned sum, which the estimate does not cover).
+// What every run neither refused nor stopped returns: 2·nsub − 1 calls of all
+// the rule's points; subintervals tiling [a, b] by lower end (a_i down to b_i
+// when b < a), the rest zero; iinfo {nsub, 0, flag, 0 ...}, flag 0 when result
+// is the sum of the contributions (for d01rk unless nsub = 1); the exact
+// integral (NaN: none) within abserr and 2 ulps of result (its rounding).
 inline void expect_honest(const QuadRun &r, int64_t key, double a, double b, double exact) {
     const int64_t n = r.nsub();
     ASSERT_GE(n, 1);

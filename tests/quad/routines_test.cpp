@@ -1,6 +1,5 @@
-// d01rjc and d01rkc: honest outputs over the reference battery, every
-// outcome with its values and the results kept after each warning, the
-// user's stop, and bad input.
+// d01rjc and d01rkc: honest outputs, every outcome with its values and the
+// results kept after each warning, the user's stop, and bad input.
 #include <tuple>
 
 #include "d01rj_def.hpp"
@@ -33,16 +32,14 @@ TEST(Quad, HonestOnEveryReferenceCase) {
         }
 }
 
-// After each warning the best values found are returned, honest where the
-// integral exists (exact; NaN when it does not): run over [0, 1].
+// A run over [0, 1] that returns usable values, honest if exact is not NaN.
 KorError usable(int key, const char *name, double p, double epsabs, double epsrel, int64_t maxsub, double exact) {
     const QuadRun r = run(Integrand{name, p}, key, 0, 1, epsabs, epsrel, maxsub);
     expect_honest(r, key, 0, 1, exact);
     return r.fail;
 }
 
-// A bad subinterval at the bisection limit (relative width 500·2^-52)
-// around the singularity at 1/3.
+// A bad subinterval at the bisection limit around the singularity at 1/3.
 void expect_around_a_third(const std::vector<double> &v) {
     EXPECT_TRUE(v.size() == 2 && v[0] < 1.0 / 3 && 1.0 / 3 < v[1] && v[1] - v[0] < 1e-13);
 }
@@ -86,11 +83,9 @@ TEST(Quad, EveryOutcomeWithItsValues) {
     }
 }
 
-// f's negative iflag ends the run at once with result and abserr 0; rinfo
-// and iinfo hold the working state (the subintervals stored so far in
-// blocks of stride maxsub) and zero elsewhere, whatever they held: at
-// maxsub = 9 the late stops come after maxsub/2 + 2 bisections, where the
-// ordering list is no longer written in full.
+// A negative iflag ends the run at once, result and abserr 0, the arrays the
+// working state (blocks of stride maxsub) and zero elsewhere, whatever they
+// held; late stops come after the ordering list stops being written in full.
 TEST(Quad, UserStopEndsTheRunAtOnce) {
     for (int key : {0, 6})
         for (int64_t stop : {1, 3, 8, 15}) {
@@ -108,8 +103,7 @@ TEST(Quad, UserStopEndsTheRunAtOnce) {
 }
 
 // NaN or infinite limits or values: a bounded run, its calls matching its
-// subdivision, ending in success or a warning (and, as every run here,
-// writing nothing past the arrays).
+// subdivision, ending in success or a warning, nothing written past the arrays.
 TEST(Quad, BadInputEndsWithAStatedOutcome) {
     const double inf = INFINITY, nan = NAN;
     for (const auto &[a, b, name, p] : {std::tuple{nan, 1.0, "exp", 1.0}, {0.0, nan, "exp", 1.0}, {0.0, inf, "exp", 1.0},

@@ -1,6 +1,5 @@
-// The building blocks on their own: the Gauss–Kronrod tables against what
-// defines them, the rule applier d01rkzn_, the ordering list d01ajxn_ and
-// the epsilon step d01ajyn_.
+// The building blocks: the Gauss–Kronrod rules through the applier d01rkzn_,
+// the ordering list d01ajxn_ and the epsilon step d01ajyn_.
 #include <cmath>
 #include <vector>
 
@@ -16,8 +15,7 @@ constexpr double u = 0x1p-53, omega = 4.494232837155789e307;
 
 struct Applied { double result, abserr, resabs, resasc; int64_t iflag, calls; };
 
-// d01rkzn_ on f, reached through the frame's adapter chain as the engine
-// reaches the user's function.
+// d01rkzn_ on f, reached through the frame's adapter chain as the engine does.
 Applied apply(quad_test::Integrand f, double alpha, double beta, const Rule &rule) {
     CallbackContext ctx;
     Kor_Comm comm{&f, nullptr, nullptr};
