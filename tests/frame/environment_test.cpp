@@ -5,11 +5,11 @@
 #include <cfloat>
 #include <cmath>
 #include <cstring>
-#include <future>
 #include <limits>
-#include <thread>
 
 #include "frame_support.hpp"
+#include "support/exits.hpp"
+#include "x06aa_def.hpp"
 
 // The Fortran-style entries, as a Fortran caller reaches them.
 extern "C" {
@@ -43,112 +43,59 @@ double from_bits(uint64_t b) {
     return v;
 }
 
-TEST(frameMachineConstants, RealValues) {
-    const struct { const char *name; double (*c)(); double (*f)(); double (*lng)(); double expected; } cases[] = {
-        {"x02aj", x02ajc, x02ajf_, kor_machine_precision, std::ldexp(1.0, -53)},
+TEST(frameEnvironment, MachineConstantsThroughEveryEntry) {
+    const struct { const char *name; double (*c)(); double (*f)(); double (*lng)(); double expected; } reals[] = {
+        {"x02aj", x02ajc, x02ajf_, kor_machine_precision, DBL_EPSILON / 2},
         {"x02ak", x02akc, x02akf_, kor_real_smallest_number, DBL_MIN},
         {"x02am", x02amc, x02amf_, kor_real_safe_small_number, std::nextafter(DBL_MIN, 1.0)},
         {"x02an", x02anc, x02anf_, kor_complex_safe_small_number, std::nextafter(DBL_MIN, 1.0)},
         {"x02al", x02alc, x02alf_, kor_real_largest_number, DBL_MAX},
         {"x02ah", x02ahc, x02ahf_, kor_large_constant, std::ldexp(1.0, 150)},
     };
-    for (const auto &c : cases) {
+    for (const auto &c : reals) {
         SCOPED_TRACE(c.name);
-        EXPECT_EQ(bits_of(c.c()), bits_of(c.expected));
-        EXPECT_EQ(bits_of(c.f()), bits_of(c.expected));
-        EXPECT_EQ(bits_of(c.lng()), bits_of(c.expected));
+        for (double v : {c.c(), c.f(), c.lng()}) EXPECT_EQ(bits_of(v), bits_of(c.expected));
     }
-    EXPECT_EQ(x02ajc(), DBL_EPSILON / 2);
-    EXPECT_EQ(x02akc(), std::ldexp(1.0, -1022));
-    EXPECT_NE(x02amc(), x02akc());
-    EXPECT_EQ(x02amc() - x02akc(), std::ldexp(1.0, -1074));
-    EXPECT_EQ(x02alc(), std::ldexp(2.0 - std::ldexp(1.0, -52), 1023));
-    EXPECT_TRUE(std::isinf(x02alc() * 2.0));
-}
-
-TEST(frameMachineConstants, IntegerValues) {
-    const struct { const char *name; int64_t (*c)(); int64_t (*f)(); int64_t (*lng)(); int64_t expected; } cases[] = {
+    const struct { const char *name; int64_t (*c)(); int64_t (*f)(); int64_t (*lng)(); int64_t expected; } integers[] = {
         {"x02bb", x02bbc, x02bbf_, kor_max_integer, INT64_MAX},
-        {"x02bh", x02bhc, x02bhf_, kor_real_base, FLT_RADIX},
-        {"x02bj", x02bjc, x02bjf_, kor_real_base_digits, DBL_MANT_DIG},
-        {"x02bk", x02bkc, x02bkf_, kor_real_min_exp, DBL_MIN_EXP},
-        {"x02bl", x02blc, x02blf_, kor_real_max_exp, DBL_MAX_EXP},
-        {"x02be", x02bec, x02bef_, kor_decimal_digits, DBL_DIG},
-    };
-    for (const auto &c : cases) {
-        SCOPED_TRACE(c.name);
-        EXPECT_EQ(c.c(), c.expected);
-        EXPECT_EQ(c.f(), c.expected);
-        EXPECT_EQ(c.lng(), c.expected);
-    }
-    const int64_t literal[] = {x02bhc(), x02bjc(), x02bkc(), x02blc(), x02bec()};
-    const int64_t published[] = {2, 53, -1021, 1024, 15};
-    for (int i = 0; i < 5; ++i) EXPECT_EQ(literal[i], published[i]);
-}
-
-// --- x06 ----------------------------------------------------------------------
-
-TEST(frameThreads, RequestedCountMustBePositive) {
-    using Entry = void (*)(int64_t, KorError *);
-    for (Entry entry : {Entry(x06aac), Entry(x06ajc), Entry(kor_omp_set_num_threads)}) {
-        for (int64_t n : {int64_t(0), int64_t(-1), int64_t(-40), INT64_MIN}) {
-            SCOPED_TRACE(n);
-            KorError fail = fresh_error();
-            entry(n, &fail);
-            EXPECT_EQ(fail.code, NE_INT);
-            EXPECT_EQ(std::string(fail.message), "NE_INT:\n  On entry, num_threads = " +
-                                                     std::to_string(n) +
-                                                     ".\n  Constraint: num_threads >= 1.");
-            EXPECT_EQ(fail.errnum, 1);
-        }
-        for (int64_t n : {int64_t(1), int64_t(4), INT64_MAX}) {
-            KorError fail = fresh_error();
-            fail.code = 12;
-            entry(n, &fail);
-            EXPECT_EQ(fail.code, NE_NOERROR);
-            EXPECT_STREQ(fail.message, "NE_NOERROR:\n  No error.");
-            EXPECT_EQ(fail.errnum, 0);
-        }
-    }
-    EXPECT_EQ(x06acc(), 1);  // a request changes nothing
-}
-
-TEST(frameThreads, FortranStyleReport) {
-    using Entry = void (*)(const int64_t *, int64_t *);
-    const struct { Entry entry; const char *name; } entries[] = {{x06aaf_, "X06AAF"}, {x06ajf_, "X06AJF"}};
-    for (const auto &e : entries) {
-        const int64_t zero = 0, two = 2;
-        int64_t ifail = -1;
-        testing::internal::CaptureStdout();
-        e.entry(&zero, &ifail);
-        EXPECT_EQ(testing::internal::GetCapturedStdout(),
-                  std::string("** On entry, num_threads = 0\n** Constraint: num_threads >= 1.\n"
-                              " ** ABNORMAL EXIT from KOR Library routine ") + e.name +
-                      ": IFAIL =     1\n ** KOR soft failure - control returned\n");
-        EXPECT_EQ(ifail, 1);
-        ifail = 1;
-        testing::internal::CaptureStdout();
-        e.entry(&zero, &ifail);
-        EXPECT_EQ(ifail, 1);
-        e.entry(&two, &ifail);
-        EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
-        EXPECT_EQ(ifail, 0);
-    }
-}
-
-TEST(frameThreads, SingleThreadedAnswers) {
-    const struct { const char *name; int64_t (*c)(); int64_t (*f)(); int64_t expected; } cases[] = {
-        {"x06ab", x06abc, x06abf_, 1}, {"x06ac", x06acc, x06acf_, 1}, {"x06ad", x06adc, x06adf_, 0},
-        {"x06af", x06afc, x06aff_, 0}, {"x06ah", x06ahc, x06ahf_, 0}, {"x06ak", x06akc, x06akf_, 0},
-        {"x06xa", x06xac, x06xaf_, 0},
+        {"x02bh", x02bhc, x02bhf_, kor_real_base, 2},
+        {"x02bj", x02bjc, x02bjf_, kor_real_base_digits, 53},
+        {"x02bk", x02bkc, x02bkf_, kor_real_min_exp, -1021},
+        {"x02bl", x02blc, x02blf_, kor_real_max_exp, 1024},
+        {"x02be", x02bec, x02bef_, kor_decimal_digits, 15},
+        // x06: this build runs one thread, whatever is asked.
+        {"x06ab", x06abc, x06abf_, kor_omp_get_num_threads, 1}, {"x06ac", x06acc, x06acf_, nullptr, 1},
+        {"x06ad", x06adc, x06adf_, nullptr, 0}, {"x06af", x06afc, x06aff_, nullptr, 0},
+        {"x06ah", x06ahc, x06ahf_, nullptr, 0}, {"x06ak", x06akc, x06akf_, nullptr, 0},
+        {"x06xa", x06xac, x06xaf_, nullptr, 0},
     };
     const int64_t nest = 1;
     x06agc(1);
     x06agf_(&nest);
-    for (const auto &c : cases) {
-        EXPECT_EQ(c.c(), c.expected) << c.name;
-        EXPECT_EQ(c.f(), c.expected) << c.name;
+    for (const auto &c : integers) {
+        SCOPED_TRACE(c.name);
+        EXPECT_EQ(c.c(), c.expected);
+        EXPECT_EQ(c.f(), c.expected);
+        if (c.lng) EXPECT_EQ(c.lng(), c.expected);
     }
+}
+
+TEST(frameEnvironment, RequestedThreadCountMustBePositive) {
+    using Entry = void (*)(int64_t, KorError *);
+    for (Entry entry : {Entry(x06aac), Entry(x06ajc), Entry(kor_omp_set_num_threads)}) {
+        for (int64_t n : {int64_t(0), int64_t(-40), INT64_MIN}) {
+            KorError fail = fresh_error();
+            entry(n, &fail);
+            EXPECT_EQ(kor::test::exit_values<kor::x06aa::Exit::count_not_positive>(kor::x06aa::info, fail),
+                      std::vector<std::string>{std::to_string(n)});
+        }
+        for (int64_t n : {int64_t(1), INT64_MAX}) {
+            KorError fail = fresh_error();
+            entry(n, &fail);
+            kor::test::expect_success(fail);
+        }
+    }
+    EXPECT_EQ(x06acc(), 1);  // a request changes nothing
 }
 
 // --- x07 ----------------------------------------------------------------------
@@ -221,33 +168,6 @@ TEST(frameIeee, TrapsRoundTripOnTheCallingThread) {
     }
     EXPECT_EQ(traps(), (std::array<int64_t, 3>{0, 0, 0}));
     EXPECT_EQ(fegetexcept() & (FE_OVERFLOW | FE_DIVBYZERO | FE_INVALID), 0);
-}
-
-TEST(frameIeee, TrapsOfOtherThreadsAreUnaffected) {
-    std::promise<void> main_enabled, other_done;
-    std::array<int64_t, 3> other_before{}, other_after{};
-    std::thread other([&] {
-        main_enabled.get_future().wait();
-        other_before = traps();
-        const int64_t divide[3] = {0, 1, 0};
-        x07cbc(divide);
-        other_after = traps();
-        const int64_t none[3] = {0, 0, 0};
-        x07cbc(none);
-        other_done.set_value();
-    });
-    const int64_t overflow[3] = {1, 0, 0};
-    x07cbc(overflow);
-    main_enabled.set_value();
-    other_done.get_future().wait();
-    const std::array<int64_t, 3> main_after = traps();
-    const int64_t none[3] = {0, 0, 0};
-    x07cbc(none);
-    other.join();
-    EXPECT_EQ(other_before, (std::array<int64_t, 3>{0, 0, 0}));
-    EXPECT_EQ(other_after, (std::array<int64_t, 3>{0, 1, 0}));
-    EXPECT_EQ(main_after, (std::array<int64_t, 3>{1, 0, 0}));
-    EXPECT_EQ(traps(), (std::array<int64_t, 3>{0, 0, 0}));
 }
 
 }  // namespace

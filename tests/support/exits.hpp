@@ -49,15 +49,18 @@ inline bool match_exit_message(const frame::ExitInfo &exit, const std::string &m
 // Expects that the call reported exit `Tag` of the routine described by
 // `info`: its code, its outcome in errnum, and a message of its form.
 // Returns the values the message shows, in order.
-template <class Tag>
-std::vector<std::string> exit_values(const frame::RoutineInfo &info, const KorError &fail) {
-    const frame::ExitInfo &exit = info.exits[Tag::index];
+inline std::vector<std::string> exit_values(const frame::ExitInfo &exit, const KorError &fail) {
     std::vector<std::string> values;
     EXPECT_EQ(fail.code, exit.code) << "expected exit " << exit.name << ", got:\n" << fail.message;
     EXPECT_EQ(fail.errnum, exit.outcome) << exit.name;
     EXPECT_TRUE(match_exit_message(exit, fail.message, values))
         << "expected exit " << exit.name << ", got:\n" << fail.message;
     return values;
+}
+
+template <class Tag>
+std::vector<std::string> exit_values(const frame::RoutineInfo &info, const KorError &fail) {
+    return exit_values(info.exits[Tag::index], fail);
 }
 
 // The same, for an exit whose values are all reals, read back as doubles.
