@@ -11,6 +11,7 @@
 #include <cstring>
 
 #include "c05ay_def.hpp"
+#include "cpu_time.hpp"
 #include "frame/interface.hpp"
 
 namespace {
@@ -121,6 +122,46 @@ void BM_gsl_brent(benchmark::State &state) {
     state.SetLabel(p.name);
 }
 
+// c05ayc and GSL's Brent on the same problem in alternating rounds (CPU
+// time), so that both see the same machine: kor/gsl is the ratio per solve.
+void BM_Ratio(benchmark::State &state) {
+    const Problem &p = problems[state.range(0)];
+    gsl_set_error_handler_off();
+    gsl_root_fsolver *s = gsl_root_fsolver_alloc(gsl_root_fsolver_brent);
+    gsl_function F{gsl_call, reinterpret_cast<void *>(p.f)};
+    KorError fail = KOR_ERROR_INIT;
+    double x = 0, kor_seconds = 0, gsl_seconds = 0, sum = 0;
+    constexpr int reps = 200;
+    for (auto _ : state) {
+        const double t0 = kor::bench::cpu_seconds();
+        for (int i = 0; i < reps; ++i) {
+            c05ayc(p.a, p.b, 1e-10, 0.0, p.f, &x, nullptr, &fail);
+            sum += x;
+        }
+        const double t1 = kor::bench::cpu_seconds();
+        for (int i = 0; i < reps; ++i) {
+            gsl_root_fsolver_set(s, &F, p.a, p.b);
+            int status = GSL_CONTINUE;
+            for (int k = 0; k < 200 && status == GSL_CONTINUE; ++k) {
+                gsl_root_fsolver_iterate(s);
+                status = gsl_root_test_interval(gsl_root_fsolver_x_lower(s),
+                                                gsl_root_fsolver_x_upper(s), 1e-10, 0.0);
+            }
+            sum += gsl_root_fsolver_root(s);
+        }
+        const double t2 = kor::bench::cpu_seconds();
+        kor_seconds += t1 - t0;
+        gsl_seconds += t2 - t1;
+    }
+    gsl_root_fsolver_free(s);
+    benchmark::DoNotOptimize(sum);
+    const double solves = double(state.iterations()) * reps;
+    state.counters["kor_ns"] = 1e9 * kor_seconds / solves;
+    state.counters["gsl_ns"] = 1e9 * gsl_seconds / solves;
+    state.counters["kor/gsl"] = kor_seconds / gsl_seconds;
+    state.SetLabel(p.name);
+}
+
 void BM_zeroin(benchmark::State &state) {
     const Problem &p = problems[state.range(0)];
     for (auto _ : state) benchmark::DoNotOptimize(zeroin(p.a, p.b, 1e-10, p.f));
@@ -149,6 +190,7 @@ void BM_evaluations(benchmark::State &state) {
 constexpr int count = int(sizeof problems / sizeof problems[0]);
 BENCHMARK(BM_c05ayc)->DenseRange(0, count - 1);
 BENCHMARK(BM_gsl_brent)->DenseRange(0, count - 1);
+BENCHMARK(BM_Ratio)->DenseRange(0, count - 1);
 BENCHMARK(BM_engine)->DenseRange(0, count - 1);
 BENCHMARK(BM_zeroin)->DenseRange(0, count - 1);
 BENCHMARK(BM_evaluations)->DenseRange(0, count - 1);

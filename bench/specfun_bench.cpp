@@ -8,12 +8,11 @@
 #include <gsl/gsl_errno.h>
 #include <gsl/gsl_sf_gamma.h>
 
-#include <time.h>
-
 #include <cmath>
 #include <random>
 #include <vector>
 
+#include "cpu_time.hpp"
 #include "frame/interface.hpp"
 #include "kor.h"
 #include "specfun/log_gamma.hpp"
@@ -60,13 +59,7 @@ void BM_glibc_tgamma(benchmark::State &s) { run(s, gamma_args(), [](double x) { 
 void BM_g01fac(benchmark::State &s) { run(s, probabilities(), [](double p) { return g01fac(Kor_TailLower, p, &fail); }); }
 void BM_gsl_cdf_ugaussian_Pinv(benchmark::State &s) { run(s, probabilities(), [](double p) { return gsl_cdf_ugaussian_Pinv(p); }); }
 
-// CPU time of this thread in ns: unlike the wall clock it does not count
-// the time other programs hold the processor.
-double cpu_ns() {
-    timespec t;
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &t);
-    return 1e9 * double(t.tv_sec) + double(t.tv_nsec);
-}
+double cpu_ns() { return 1e9 * kor::bench::cpu_seconds(); }
 
 // The frame's cost: the whole C interface of a routine and its engine
 // alone (as the engine layer calls it), timed in alternating rounds so that

@@ -36,20 +36,6 @@ void d01ajyn_(int64_t *n, double *epstab, double *result, double *abserr, double
     kor::quad::epsilon_step<Working>(*n, epstab, *result, *abserr, res3la, *nres);
 }
 
-void d01rjvn_(Integrand &f, double a, double b, double epsabs, double epsrel, int64_t maxsub,
-              double *result, double *abserr, double *rinfo, int64_t *iinfo,
-              kor::quad::Outcome *out) {
-    kor::quad::extrapolating_core<Working>(f, a, b, epsabs, epsrel, maxsub, *result, *abserr,
-                                           rinfo, iinfo, *out);
-}
-
-void d01rkvn_(Integrand &f, int64_t key, double a, double b, double epsabs, double epsrel,
-              int64_t maxsub, double *result, double *abserr, double *rinfo, int64_t *iinfo,
-              kor::quad::Outcome *out) {
-    kor::quad::plain_core<Working>(f, kor::quad_gk_consts::rules[key - 1], a, b, epsabs, epsrel,
-                                   maxsub, *result, *abserr, rinfo, iinfo, *out);
-}
-
 }  // extern "C"
 
 namespace kor::quad {

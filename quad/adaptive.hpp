@@ -703,13 +703,20 @@ void d01ajxn_(int64_t maxsub, int64_t nsub, int64_t *maxerr, double *errmax, con
 // One epsilon step on the 52-entry table epstab holding *n entries.
 void d01ajyn_(int64_t *n, double *epstab, double *result, double *abserr, double *res3la,
               int64_t *nres);
-// The adaptive cores of d01rj and d01rk (maxsub ≥ 1).
-void d01rjvn_(kor::quad::Integrand &f, double a, double b, double epsabs, double epsrel,
-              int64_t maxsub, double *result, double *abserr, double *rinfo, int64_t *iinfo,
-              kor::quad::Outcome *out);
-void d01rkvn_(kor::quad::Integrand &f, int64_t key, double a, double b, double epsabs,
-              double epsrel, int64_t maxsub, double *result, double *abserr, double *rinfo,
-              int64_t *iinfo, kor::quad::Outcome *out);
+// The adaptive cores of d01rj and d01rk (maxsub ≥ 1), inline so that the
+// engines fold them in.
+inline void d01rjvn_(kor::quad::Integrand &f, double a, double b, double epsabs, double epsrel,
+                     int64_t maxsub, double *result, double *abserr, double *rinfo,
+                     int64_t *iinfo, kor::quad::Outcome *out) {
+    kor::quad::extrapolating_core<kor::quad::Working>(f, a, b, epsabs, epsrel, maxsub, *result,
+                                                      *abserr, rinfo, iinfo, *out);
+}
+inline void d01rkvn_(kor::quad::Integrand &f, int64_t key, double a, double b, double epsabs,
+                     double epsrel, int64_t maxsub, double *result, double *abserr,
+                     double *rinfo, int64_t *iinfo, kor::quad::Outcome *out) {
+    kor::quad::plain_core<kor::quad::Working>(f, kor::quad_gk_consts::rules[key - 1], a, b, epsabs,
+                                              epsrel, maxsub, *result, *abserr, rinfo, iinfo, *out);
+}
 }
 
 namespace kor::quad {

@@ -1,11 +1,13 @@
 // d01rj: the adaptive core with extrapolation, then the subdivision put in
 // order and the core's final code turned into the routine's exits.
+// Defined inline: the routine's interfaces fold it in with the frame.
+#pragma once
 #include "d01rj_def.hpp"
 #include "quad/adaptive.hpp"
 
 namespace kor {
 
-void d01rj::engine(frame::Record &rec, frame::UserFunction<frame::VectorOfVector> &f, double a,
+inline void d01rj::engine(frame::Record &rec, frame::UserFunction<frame::VectorOfVector> &f, double a,
                    double b, double epsabs, double epsrel, int64_t maxsub, double &result,
                    double &abserr, double *rinfo, int64_t *iinfo) {
     result = abserr = 0.0;

@@ -1,3 +1,8 @@
+// c05ay's engine, defined inline: the routine's interfaces fold it in, with
+// the chain of adapters to the user function, so that a solve costs little
+// more than its evaluations.
+#pragma once
+
 #include <cmath>
 
 #include "c05ay_def.hpp"
@@ -7,7 +12,7 @@ namespace kor::c05ay {
 
 // Drives Brent's search with the absolute error test, answering each
 // request with a call of f: the evaluations c05az would ask for.
-void engine(frame::Record &rec, double a, double b, double eps, double eta,
+inline void engine(frame::Record &rec, double a, double b, double eps, double eta,
             frame::UserFunction<frame::RealOfReal> &f, double &x) {
     if (!(eps > 0.0)) return rec.raise<Exit::eps_not_positive>(eps);
     if (a == b) return rec.raise<Exit::empty_interval>(a, b);

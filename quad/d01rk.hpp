@@ -1,11 +1,13 @@
 // d01rk: the adaptive core with the chosen rule and no extrapolation, then
 // the subdivision put in order and the final code turned into exits.
+// Defined inline: the routine's interfaces fold it in with the frame.
+#pragma once
 #include "d01rk_def.hpp"
 #include "quad/adaptive.hpp"
 
 namespace kor {
 
-void d01rk::engine(frame::Record &rec, frame::UserFunction<frame::VectorOfVector> &f, double a,
+inline void d01rk::engine(frame::Record &rec, frame::UserFunction<frame::VectorOfVector> &f, double a,
                    double b, int64_t key, double epsabs, double epsrel, int64_t maxsub,
                    double &result, double &abserr, double *rinfo, int64_t *iinfo) {
     result = abserr = 0.0;
