@@ -103,21 +103,23 @@ double gsl_call(double x, void *params) {
     return reinterpret_cast<double (*)(double, Kor_Comm *)>(params)(x, nullptr);
 }
 
+double gsl_solve(gsl_root_fsolver *s, gsl_function &F, const Problem &p) {
+    gsl_root_fsolver_set(s, &F, p.a, p.b);
+    int status = GSL_CONTINUE;
+    for (int i = 0; i < 200 && status == GSL_CONTINUE; ++i) {
+        gsl_root_fsolver_iterate(s);
+        status = gsl_root_test_interval(gsl_root_fsolver_x_lower(s), gsl_root_fsolver_x_upper(s),
+                                        1e-10, 0.0);
+    }
+    return gsl_root_fsolver_root(s);
+}
+
 void BM_gsl_brent(benchmark::State &state) {
     const Problem &p = problems[state.range(0)];
     gsl_set_error_handler_off();
     gsl_root_fsolver *s = gsl_root_fsolver_alloc(gsl_root_fsolver_brent);
     gsl_function F{gsl_call, reinterpret_cast<void *>(p.f)};
-    for (auto _ : state) {
-        gsl_root_fsolver_set(s, &F, p.a, p.b);
-        int status = GSL_CONTINUE;
-        for (int i = 0; i < 200 && status == GSL_CONTINUE; ++i) {
-            gsl_root_fsolver_iterate(s);
-            status = gsl_root_test_interval(gsl_root_fsolver_x_lower(s),
-                                            gsl_root_fsolver_x_upper(s), 1e-10, 0.0);
-        }
-        benchmark::DoNotOptimize(gsl_root_fsolver_root(s));
-    }
+    for (auto _ : state) benchmark::DoNotOptimize(gsl_solve(s, F, p));
     gsl_root_fsolver_free(s);
     state.SetLabel(p.name);
 }
@@ -139,16 +141,7 @@ void BM_Ratio(benchmark::State &state) {
             sum += x;
         }
         const double t1 = kor::bench::cpu_seconds();
-        for (int i = 0; i < reps; ++i) {
-            gsl_root_fsolver_set(s, &F, p.a, p.b);
-            int status = GSL_CONTINUE;
-            for (int k = 0; k < 200 && status == GSL_CONTINUE; ++k) {
-                gsl_root_fsolver_iterate(s);
-                status = gsl_root_test_interval(gsl_root_fsolver_x_lower(s),
-                                                gsl_root_fsolver_x_upper(s), 1e-10, 0.0);
-            }
-            sum += gsl_root_fsolver_root(s);
-        }
+        for (int i = 0; i < reps; ++i) sum += gsl_solve(s, F, p);
         const double t2 = kor::bench::cpu_seconds();
         kor_seconds += t1 - t0;
         gsl_seconds += t2 - t1;
