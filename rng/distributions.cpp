@@ -10,12 +10,15 @@
 //
 // Every engine checks the state first, then its arguments in argument order;
 // nothing is written and the state is not advanced until all checks pass.
+// A rejection method that finds no acceptable trial for a variate within
+// max_trials ends the routine with the variates before it in x.
 // Degenerate parameters (a zero width or spread) give constant output
 // without touching the state, as g05sk does for var = 0.
 #include <algorithm>
 #include <cfloat>
 #include <cmath>
 #include <cstdint>
+#include <limits>
 #include <vector>
 
 #include "g05sb_def.hpp"
@@ -51,7 +54,20 @@ constexpr double smallest = DBL_MIN;
 // ln u for a uniform u in [0, 1], finite at u = 0.
 double log_uniform(double u) { return std::log(std::max(u, smallest)); }
 
+// The most trials a rejection method makes for one variate.  A trial is
+// accepted with probability p >= 0.95 by Marsaglia and Tsang's gamma method
+// (shape >= 1, as its core always runs), p >= e/4 > 0.67 by Cheng's BB (his
+// bound of 4/e trials per variate), p > 0.24 by his BC (the worst case: p
+// falls to 1/4 as the smaller shape goes to 0) and p > 0.65 by Best and
+// Fisher's von Mises method (0.66 for large κ).  So a sound stream needs
+// more than 1000 trials with probability below 0.76^1000 < 1e-119: it never
+// does.  A stream that does is degenerate (constant, say, after a leap-frog
+// whose stride is a multiple of the period), and the routine reports that
+// instead of drawing for ever.
+constexpr int64_t max_trials = 1000;
+
 // Uniforms one at a time, for methods that use as many as their tests ask.
+// A method that meets max_trials calls give_up; the engine then reports it.
 class Draw {
 public:
     explicit Draw(int64_t *state) : state_(state) {}
@@ -60,9 +76,15 @@ public:
         rng::uniforms(state_, 1, &u);
         return u;
     }
+    double give_up() {
+        exhausted_ = true;
+        return std::numeric_limits<double>::quiet_NaN();
+    }
+    bool exhausted() const { return exhausted_; }
 
 private:
     int64_t *state_;
+    bool exhausted_ = false;
 };
 
 // ---------------------------------------------------------------------------
@@ -84,7 +106,7 @@ public:
 
     // d·v of an accepted trial: a variate of shape s (s >= 1) or s + 1.
     double core(Draw &draw) const {
-        for (;;) {
+        for (int64_t trial = 0; trial < max_trials; ++trial) {
             const double z = specfun::inverse_normal(draw());
             double v = 1.0 + c_ * z;
             if (v <= 0.0) continue;
@@ -94,6 +116,7 @@ public:
             if (u < 1.0 - 0.0331 * z2 * z2) return d_ * v;
             if (log_uniform(u) < 0.5 * z2 + d_ * (1.0 - v + std::log(v))) return d_ * v;
         }
+        return draw.give_up();
     }
 
     // ln of the boost factor U^(1/s), drawn after core (s < 1 only).
@@ -102,14 +125,14 @@ public:
     // ln G: finite, even where G itself would underflow.
     double log_variate(Draw &draw) const {
         const double g = std::log(core(draw));
-        return boost_ ? g + log_boost(draw) : g;
+        return boost_ && !draw.exhausted() ? g + log_boost(draw) : g;
     }
 
     // scale·G, formed so that a large scale rescues what G alone would lose
     // to underflow.
     double variate(Draw &draw, double scale) const {
         const double g = core(draw);
-        if (!boost_) return scale * g;
+        if (!boost_ || draw.exhausted()) return scale * g;
         const double t = log_boost(draw);
         if (t > -700.0) return scale * g * std::exp(t);
         return std::exp(std::log(scale) + std::log(g) + t);
@@ -155,7 +178,7 @@ public:
 
 private:
     double bb(Draw &draw) const {
-        for (;;) {
+        for (int64_t trial = 0; trial < max_trials; ++trial) {
             const double u1 = draw(), u2 = draw();
             if (!(u1 > 0.0 && u1 < 1.0)) continue;
             const double v = beta_ * std::log(u1 / (1.0 - u1));
@@ -169,6 +192,7 @@ private:
             }
             return swapped_ ? b_ / (b_ + w) : w / (b_ + w);
         }
+        return draw.give_up();
     }
 
     // With W = a·e^V, W/(b + W) is the logistic function of t = V - ln(b/a),
@@ -176,7 +200,7 @@ private:
     // that form, which neither overflows nor cancels when the shapes are so
     // small that V runs to hundreds.
     double bc(Draw &draw) const {
-        for (;;) {
+        for (int64_t trial = 0; trial < max_trials; ++trial) {
             const double u1 = draw(), u2 = draw();
             if (!(u1 > 0.0 && u1 < 1.0)) continue;
             double z;
@@ -198,6 +222,7 @@ private:
             if (!squeezed && alpha_ * (log_alpha_over_a_ - softplus(-t)) - ln4 < log_uniform(z)) continue;
             return swapped_ ? logistic(-t) : logistic(t);
         }
+        return draw.give_up();
     }
 
     static double softplus(double t) { return std::max(t, 0.0) + std::log1p(std::exp(-std::fabs(t))); }
@@ -242,7 +267,7 @@ public:
     }
 
     double operator()(Draw &draw) const {
-        for (;;) {
+        for (int64_t trial = 0; trial < max_trials; ++trial) {
             const double half = 0.5 * pi * draw();
             const double s = std::sin(half), k = std::cos(half);
             const double denominator =
@@ -254,6 +279,7 @@ public:
             const double theta = 2.0 * std::asin(q);
             return draw() > 0.5 ? theta : -theta;
         }
+        return draw.give_up();
     }
 
 private:
@@ -283,7 +309,11 @@ void g05sb::engine(frame::Record &rec, int64_t n, double a, double b, int64_t *s
     if (!(b > 0.0)) return rec.raise<Exit::b_not_positive>(b);
     const Beta beta(a, b);
     Draw draw(state);
-    for (int64_t i = 0; i < n; ++i) x[i] = beta(draw);
+    for (int64_t i = 0; i < n; ++i) {
+        const double v = beta(draw);
+        if (draw.exhausted()) return rec.raise<Exit::no_acceptable_trial>(max_trials);
+        x[i] = v;
+    }
 }
 
 void g05sd::engine(frame::Record &rec, int64_t n, int64_t df, int64_t *state, double *x) {
@@ -292,7 +322,11 @@ void g05sd::engine(frame::Record &rec, int64_t n, int64_t df, int64_t *state, do
     if (df < 1) return rec.raise<Exit::df_invalid>(df);
     const Gamma gamma(0.5 * double(df));
     Draw draw(state);
-    for (int64_t i = 0; i < n; ++i) x[i] = gamma.variate(draw, 2.0);
+    for (int64_t i = 0; i < n; ++i) {
+        const double v = gamma.variate(draw, 2.0);
+        if (draw.exhausted()) return rec.raise<Exit::no_acceptable_trial>(max_trials);
+        x[i] = v;
+    }
 }
 
 void g05se::engine(frame::Record &rec, int64_t order, int64_t n, int64_t m, const double *a, int64_t *state,
@@ -325,6 +359,7 @@ void g05se::engine(frame::Record &rec, int64_t order, int64_t n, int64_t m, cons
         double largest = -HUGE_VAL;
         for (int64_t j = 0; j < m; ++j) {
             const double g = gammas[size_t(j)].log_variate(draw);
+            if (draw.exhausted()) return rec.raise<Exit::no_acceptable_trial>(max_trials);
             row[j * column_step] = g;
             largest = std::max(largest, g);
         }
@@ -348,7 +383,8 @@ void g05sh::engine(frame::Record &rec, int64_t n, int64_t df1, int64_t df2, int6
     Draw draw(state);
     for (int64_t i = 0; i < n; ++i) {
         const double g1 = numerator.log_variate(draw);
-        const double g2 = denominator.log_variate(draw);
+        const double g2 = draw.exhausted() ? g1 : denominator.log_variate(draw);
+        if (draw.exhausted()) return rec.raise<Exit::no_acceptable_trial>(max_trials);
         x[i] = std::exp(g1 - g2 + log_ratio);
     }
 }
@@ -360,7 +396,11 @@ void g05sj::engine(frame::Record &rec, int64_t n, double a, double b, int64_t *s
     if (!(b > 0.0)) return rec.raise<Exit::b_not_positive>(b);
     const Gamma gamma(a);
     Draw draw(state);
-    for (int64_t i = 0; i < n; ++i) x[i] = gamma.variate(draw, b);
+    for (int64_t i = 0; i < n; ++i) {
+        const double v = gamma.variate(draw, b);
+        if (draw.exhausted()) return rec.raise<Exit::no_acceptable_trial>(max_trials);
+        x[i] = v;
+    }
     if (a < gamma_small_shape) rec.raise<Exit::a_small>(a);
 }
 
@@ -373,9 +413,11 @@ void g05sn::engine(frame::Record &rec, int64_t n, int64_t df, int64_t *state, do
     Draw draw(state);
     for (int64_t i = 0; i < n; ++i) {
         const double z = specfun::inverse_normal(draw());
+        const double log_g = gamma.log_variate(draw);
+        if (draw.exhausted()) return rec.raise<Exit::no_acceptable_trial>(max_trials);
         // sqrt(df/(2G)) from ln G, so that a G lost to underflow cannot
         // turn z = 0 into 0·∞.
-        x[i] = z * std::exp(0.5 * (log_half_df - gamma.log_variate(draw)));
+        x[i] = z * std::exp(0.5 * (log_half_df - log_g));
     }
 }
 
@@ -385,7 +427,11 @@ void g05sr::engine(frame::Record &rec, int64_t n, double vk, int64_t *state, dou
     if (!(vk > 0.0 && vk <= von_mises_max_kappa)) return rec.raise<Exit::vk_invalid>(vk);
     const VonMises von_mises(vk);
     Draw draw(state);
-    for (int64_t i = 0; i < n; ++i) x[i] = von_mises(draw);
+    for (int64_t i = 0; i < n; ++i) {
+        const double v = von_mises(draw);
+        if (draw.exhausted()) return rec.raise<Exit::no_acceptable_trial>(max_trials);
+        x[i] = v;
+    }
 }
 
 // ---------------------------------------------------------------------------

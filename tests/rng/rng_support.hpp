@@ -1,5 +1,6 @@
-// Helpers of the generator tests: a state initialised through g05kf, and
-// the uniform stream drawn, skipped and split through the C interface.
+// Helpers of the generator tests: states initialised through g05kf, the
+// uniform stream drawn, skipped and split through the C interface, and the
+// exit of a routine named at run time (for tables over routines).
 #pragma once
 
 #include <gtest/gtest.h>
@@ -9,59 +10,61 @@
 #include <vector>
 
 #include "kor.h"
+#include "support/exits.hpp"
 
 namespace kor::rng_test {
 
 using State = std::vector<int64_t>;
-
-inline const std::string corrupt_message =
-    "NE_INT_ARRAY:\n  On entry, state vector has been corrupted or not initialized.";
+using Reals = std::vector<double>;
 
 // The state length g05kf asks for.
 inline int64_t query(Kor_BaseGenerator genid, int64_t subid) {
     int64_t seed = 1, lstate = 0;
     KorError fail = KOR_ERROR_INIT;
     g05kfc(genid, subid, &seed, 1, nullptr, &lstate, &fail);
-    EXPECT_EQ(fail.code, NE_NOERROR) << fail.message;
+    EXPECT_EQ(fail.code, NE_NOERROR) << fail.message;  // the query's outcome is -1
     return lstate;
 }
 
 // A state of `lstate` words (the length asked for when 0), filled with -1
 // beforehand so that words left unwritten show.
-inline State init(Kor_BaseGenerator genid, int64_t subid, std::vector<int64_t> seeds, int64_t lstate = 0) {
+inline State init(Kor_BaseGenerator genid, int64_t subid, State seeds, int64_t lstate = 0) {
     if (lstate == 0) lstate = query(genid, subid);
     State state(size_t(lstate), -1);
     KorError fail = KOR_ERROR_INIT;
     g05kfc(genid, subid, seeds.data(), int64_t(seeds.size()), state.data(), &lstate, &fail);
-    EXPECT_EQ(fail.code, NE_NOERROR) << fail.message;
+    kor::test::expect_success(fail);
     return state;
 }
 
-inline std::vector<double> draw(State &state, int64_t n) {
-    if (n == 0) return {};
-    std::vector<double> x(static_cast<size_t>(n));
+inline Reals draw(State &state, int64_t n) {
+    Reals x(static_cast<size_t>(n));
     KorError fail = KOR_ERROR_INIT;
     g05sac(n, state.data(), x.data(), &fail);
-    EXPECT_EQ(fail.code, NE_NOERROR) << fail.message;
+    kor::test::expect_success(fail);
     return x;
 }
 
-inline void skip(State &state, int64_t n) {
-    KorError fail = KOR_ERROR_INIT;
-    g05kjc(n, state.data(), &fail);
-    EXPECT_EQ(fail.code, NE_NOERROR) << fail.message;
-}
+#define KOR_RNG_STEP(call) { KorError fail = KOR_ERROR_INIT; call; kor::test::expect_success(fail); }
+inline void skip(State &s, int64_t n) KOR_RNG_STEP(g05kjc(n, s.data(), &fail))
+inline void skip_power(State &s, int64_t e) KOR_RNG_STEP(g05kkc(e, s.data(), &fail))
+inline void leapfrog(State &s, int64_t n, int64_t k) KOR_RNG_STEP(g05khc(n, k, s.data(), &fail))
+#undef KOR_RNG_STEP
 
-inline void skip_power(State &state, int64_t e) {
-    KorError fail = KOR_ERROR_INIT;
-    g05kkc(e, state.data(), &fail);
-    EXPECT_EQ(fail.code, NE_NOERROR) << fail.message;
-}
-
-inline void leapfrog(State &state, int64_t n, int64_t k) {
-    KorError fail = KOR_ERROR_INIT;
-    g05khc(n, k, state.data(), &fail);
-    EXPECT_EQ(fail.code, NE_NOERROR) << fail.message;
+// Expects the exit of `info` called `name`; returns the values it shows.
+inline std::vector<std::string> exit_named(const kor::frame::RoutineInfo &info, const std::string &name,
+                                           const KorError &fail) {
+    std::vector<std::string> values;
+    for (int i = 0; i < info.nexits; ++i) {
+        const kor::frame::ExitInfo &exit = info.exits[i];
+        if (name != exit.name) continue;
+        EXPECT_EQ(fail.code, exit.code) << name << ": " << fail.message;
+        EXPECT_EQ(fail.errnum, exit.outcome) << name;
+        EXPECT_TRUE(kor::test::match_exit_message(exit, fail.message, values)) << name << ": " << fail.message;
+        return values;
+    }
+    ADD_FAILURE() << info.c_name << " has no exit " << name;
+    return values;
 }
 
 }  // namespace kor::rng_test
