@@ -13,6 +13,7 @@
 #include "support/exits.hpp"
 #include "support/files.hpp"
 #include "support/fortran_report.hpp"
+#include "support/process.hpp"
 
 namespace {
 
