@@ -61,29 +61,31 @@ void BM_gsl_cdf_ugaussian_Pinv(benchmark::State &s) { run(s, probabilities(), []
 
 double cpu_ns() { return 1e9 * kor::bench::cpu_seconds(); }
 
-// The frame's cost: the whole C interface of a routine and its engine
-// alone (as the engine layer calls it), timed in alternating rounds so that
-// both see the same machine; frame_ns is the difference per call.
-template <class Interface, class Engine>
-void frame_cost(benchmark::State &state, const std::vector<double> &xs, Interface interface,
-                Engine engine) {
-    double with_frame = 0, without = 0, sum = 0;
+// Two codes on the same arguments, timed in alternating rounds of CPU time
+// so that both see the same machine: ns per call of each, their ratio and
+// their difference.
+template <class First, class Second>
+void compare(benchmark::State &state, const std::vector<double> &xs, const char *first_name,
+             First first, const char *second_name, Second second) {
+    double first_ns = 0, second_ns = 0, sum = 0;
     for (auto _ : state) {
         const double t0 = cpu_ns();
-        for (double x : xs) sum += interface(x);
+        for (double x : xs) sum += first(x);
         const double t1 = cpu_ns();
-        for (double x : xs) sum += engine(x);
+        for (double x : xs) sum += second(x);
         const double t2 = cpu_ns();
-        with_frame += t1 - t0;
-        without += t2 - t1;
+        first_ns += t1 - t0;
+        second_ns += t2 - t1;
     }
     benchmark::DoNotOptimize(sum);
     const double calls = double(state.iterations()) * double(xs.size());
-    state.counters["interface_ns"] = with_frame / calls;
-    state.counters["engine_ns"] = without / calls;
-    state.counters["frame_ns"] = (with_frame - without) / calls;
+    state.counters[first_name] = first_ns / calls;
+    state.counters[second_name] = second_ns / calls;
+    state.counters["ratio"] = first_ns / second_ns;
+    state.counters["difference_ns"] = (first_ns - second_ns) / calls;
 }
 
+// The engine alone, as the engine layer calls it.
 template <class Engine>
 double through_engine(Engine engine, double x) {
     CallbackContext ctx;
@@ -94,16 +96,29 @@ double through_engine(Engine engine, double x) {
     return engine(rec, x);
 }
 
+// What the frame adds to a successful call with a KorError: the C
+// interface against its engine (difference_ns).
 void BM_FrameCost_s15adc(benchmark::State &s) {
-    frame_cost(s, lgamma_args(), [](double x) { return s15adc(x, &fail); },
-               [](double x) { return through_engine(kor::s15ad::engine, x); });
+    compare(s, lgamma_args(), "interface_ns", [](double x) { return s15adc(x, &fail); },
+            "engine_ns", [](double x) { return through_engine(kor::s15ad::engine, x); });
 }
 void BM_FrameCost_s14abc(benchmark::State &s) {
-    frame_cost(s, lgamma_args(), [](double x) { return s14abc(x, &fail); },
-               [](double x) { return through_engine(kor::s14ab::engine, x); });
+    compare(s, lgamma_args(), "interface_ns", [](double x) { return s14abc(x, &fail); },
+            "engine_ns", [](double x) { return through_engine(kor::s14ab::engine, x); });
+}
+// The routines against their peers (ratio).
+void BM_Ratio_s14abc_lgamma(benchmark::State &s) {
+    compare(s, lgamma_args(), "kor_ns", [](double x) { return s14abc(x, &fail); }, "glibc_ns",
+            [](double x) { return std::lgamma(x); });
+}
+void BM_Ratio_g01fac_gsl(benchmark::State &s) {
+    compare(s, probabilities(), "kor_ns", [](double p) { return g01fac(Kor_TailLower, p, &fail); },
+            "gsl_ns", [](double p) { return gsl_cdf_ugaussian_Pinv(p); });
 }
 BENCHMARK(BM_FrameCost_s15adc)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_FrameCost_s14abc)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_Ratio_s14abc_lgamma)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_Ratio_g01fac_gsl)->Unit(benchmark::kMillisecond);
 
 BENCHMARK(BM_s14abc)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_glibc_lgamma)->Unit(benchmark::kMillisecond);

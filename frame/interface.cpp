@@ -80,8 +80,7 @@ const char *RecordTexts::resolve(const char *field) const {
 // Marks and NULs would break the record or the message; they show as '?'.
 namespace {
 
-void store_text(CallbackContext *ctx, std::string_view text, char *field, size_t size) {
-    auto *texts = ctx ? static_cast<RecordTexts *>(ctx->texts) : nullptr;
+void store_text(RecordTexts *texts, std::string_view text, char *field, size_t size) {
     const size_t room = texts ? size_t(RecordTexts::capacity - texts->used) : 0;
     if (room == 0) {
         std::snprintf(field, size, "%.25s", std::string(text).c_str());
@@ -100,7 +99,7 @@ void store_text(CallbackContext *ctx, std::string_view text, char *field, size_t
 
 }  // namespace
 
-void Record::write_record(CallbackContext *ctx, char *text, int64_t length, const ExitInfo &exit,
+void Record::write_record(RecordTexts *texts, char *text, int64_t length, const ExitInfo &exit,
                           const RecordValue *values, int count) {
     if (length <= 0) return;
     char buffer[record_length * 2];
@@ -116,7 +115,7 @@ void Record::write_record(CallbackContext *ctx, char *text, int64_t length, cons
             std::snprintf(field, sizeof field, "%" PRId64, values[i].integer);
             break;
         case RecordValue::text_value:
-            store_text(ctx, values[i].text, field, sizeof field);
+            store_text(texts, values[i].text, field, sizeof field);
             break;
         }
         used += std::snprintf(buffer + used, sizeof buffer - size_t(used), "%s\x01", field);

@@ -89,7 +89,8 @@ class Record {
 public:
     Record(const RoutineInfo &info, CallbackContext *ctx, char *text, int64_t length,
            int64_t *outcome)
-        : info_(info), ctx_(ctx), text_(text), length_(length), outcome_(outcome) {}
+        : info_(info), texts_(ctx ? static_cast<RecordTexts *>(ctx->texts) : nullptr), text_(text),
+          length_(length), outcome_(outcome) {}
 
     template <class Tag, class... Args>
     void raise(Args... args) {
@@ -97,7 +98,6 @@ public:
     }
 
     bool raised() const { return raised_; }
-    CallbackContext *context() const { return ctx_; }
     const RoutineInfo &info() const { return info_; }
 
 private:
@@ -108,15 +108,15 @@ private:
         const RecordValue values[sizeof...(Values) + 1] = {RecordValue(Values(args))..., RecordValue(int64_t(0))};
         raised_ = true;
         *outcome_ = info_.exits[Index].outcome;
-        write_record(ctx_, text_, length_, info_.exits[Index], values, int(sizeof...(Values)));
+        write_record(texts_, text_, length_, info_.exits[Index], values, int(sizeof...(Values)));
     }
     // Out of line and given the fields it needs rather than the record, so
     // that a record stays in registers on the path that raises nothing.
-    static void write_record(CallbackContext *ctx, char *text, int64_t length, const ExitInfo &exit,
+    static void write_record(RecordTexts *texts, char *text, int64_t length, const ExitInfo &exit,
                              const RecordValue *values, int count);
 
     const RoutineInfo &info_;
-    CallbackContext *ctx_;
+    RecordTexts *texts_;  // the interface's store of long texts, if any
     char *text_;
     int64_t length_;
     int64_t *outcome_;
