@@ -76,7 +76,7 @@ TEST(frameEnvironment, MachineConstantsThroughEveryEntry) {
         SCOPED_TRACE(c.name);
         EXPECT_EQ(c.c(), c.expected);
         EXPECT_EQ(c.f(), c.expected);
-        if (c.lng) EXPECT_EQ(c.lng(), c.expected);
+        if (c.lng) { EXPECT_EQ(c.lng(), c.expected); }
     }
 }
 
