@@ -24,7 +24,6 @@ TEST(E04rw, EveryExit) {
         {[](Data &a) { a.cmd = "XPROPS", a.ioflag = 1; }, want<E::cmdstr_unknown>()},
         {[](Data &a) { a.cmd = "IROWB", a.ioflag = 1, a.liarr = 0; }, want<E::write_not_supported>()},
         {[](Data &a) { a.cmd = "BLX", a.lrarr = 3; }, want<E::not_available>()},
-        {[](Data &a) { a.cmd = "BUX", a.ioflag = 1, a.lrarr = 3; }, want<E::not_available>()},
         {[](Data &a) { a.cmd = "BUC"; }, want<E::not_available>()},
         {[](Data &a) { a.cmd = "CVEC", a.lrarr = 3; }, want<E::not_available>()},
         {[](Data &a) { a.cmd = "IDXCC", a.liarr = 0; }, want<E::not_available>()},

@@ -62,7 +62,7 @@ TEST(E04rg, EveryExit) {
     expect_cases<Args>(kor::e04rg::info, 3, {
         {[](Args &a) { a.nnzfd = -1; }, want<E::nnzfd_below>({-1})},
         {[](Args &a) { a.idxfd = {1, 4}; }, want<E::idxfd_range>({2, 4, 3})},
-        {[](Args &a) { a.idxfd = {2, 2}; }, want<E::idxfd_not_ascending>({1, 2, 2})},
+        {[](Args &a) { a.nnzfd = 3, a.idxfd = {1, 3, 3}; }, want<E::idxfd_not_ascending>({2, 3, 3})},
         {[](Args &) {}, {}},
     }, [](void *h, const Args &a, KorError *f) { e04rgc(h, a.nnzfd, a.idxfd.data(), f); });
 }
