@@ -16,6 +16,9 @@ void engine(frame::Record &rec, void *handle, int64_t nres, int64_t isparse, int
     o.sparse_residuals = isparse == 1;
     if (isparse == 1) {
         if (nnzrd <= 0) return rec.raise<Exit::nnzrd_not_positive>(nnzrd);
+        // Null is allowed (C callers) only for a dense structure.
+        if (!irowrd) return rec.raise<Exit::array_null>(std::string_view("irowrd"));
+        if (!icolrd) return rec.raise<Exit::array_null>(std::string_view("icolrd"));
         opt::reserve_for(o.rd.row, nnzrd);
         opt::reserve_for(o.rd.col, nnzrd);
         if (!opt::check_coordinates<Exit::irowrd_range, Exit::icolrd_range,

@@ -115,6 +115,8 @@ void engine(frame::Record &rec, void *handle, std::string_view cmdstr, int64_t i
     if (is_integer_item(item)) {
         const int64_t size = int64_t(ivalues.size());
         if (liarr != size) return rec.raise<Exit::liarr_mismatch>(liarr, size);
+        // iarr may be null for a real item (C callers), not for this one.
+        if (size > 0 && !iarr) return rec.raise<Exit::array_null>(std::string_view("iarr"));
         if (!write) {
             std::copy(ivalues.begin(), ivalues.end(), iarr);
             return;
@@ -135,6 +137,7 @@ void engine(frame::Record &rec, void *handle, std::string_view cmdstr, int64_t i
     }
     const int64_t size = int64_t(reals->size());
     if (lrarr != size) return rec.raise<Exit::lrarr_mismatch>(lrarr, size);
+    if (size > 0 && !rarr) return rec.raise<Exit::array_null>(std::string_view("rarr"));
     if (!write) {
         std::copy(reals->begin(), reals->end(), rarr);
         return;

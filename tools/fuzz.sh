@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Builds the libFuzzer targets of tests/fuzz with clang and runs each for a
 # bounded time on a scratch copy of its seed corpus
-# (tests/<chapter>/corpus/<name without _fuzz>).  Inputs that crash are left
+# (tests/data/<chapter>/corpus/<name without _fuzz>).  Inputs that crash are left
 # in the build directory's fuzz/ folder as crash-*; add them to the corpus
 # once fixed, so that the regular tests replay them.
 #   tools/fuzz.sh [SECONDS_PER_TARGET (default 60)] [BUILD_DIR (default build-fuzz)]
@@ -19,7 +19,7 @@ cmake --build "$build" --target "${targets[@]}"
 status=0
 for target in "${targets[@]}"; do
   name=${target%_fuzz}
-  seeds=$(find "$root/tests" -type d -path "*/corpus/$name" | head -n 1)
+  seeds=$(find "$root/tests/data" -type d -path "*/corpus/$name" | head -n 1)
   work=$(mktemp -d)
   [ -n "$seeds" ] && cp -r "$seeds"/. "$work"/
   echo "== $target for ${seconds}s (seeds: ${seeds:-none})"

@@ -7,7 +7,7 @@
 #include <string.h>
 
 int main(int argc, char **argv) {
-    const char *path = argc > 1 ? argv[1] : "../../tests/opt/data/truss1.dat-s";
+    const char *path = argc > 1 ? argv[1] : "../../tests/data/opt/truss1.dat-s";
     KorError fail = KOR_ERROR_INIT;
     int64_t unit = -1, nvar = 0, nblk = 0, nnz = 0;
 

@@ -11,7 +11,7 @@ program sdpa_fortran
   integer(kind=8), allocatable :: blksizea(:), nnza(:), irowa(:), icola(:)
   real(kind=8), allocatable :: cvec(:), a(:)
 
-  path = '../../tests/opt/data/truss1.dat-s'
+  path = '../../tests/data/opt/truss1.dat-s'
   if (command_argument_count() > 0) call get_command_argument(1, path)
   ! First nvar and nblk, then (with maxnnz = 0) the entries of each matrix,
   ! whose sum is the length the entries need; IFAIL = 1 keeps both quiet.

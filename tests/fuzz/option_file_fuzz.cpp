@@ -1,5 +1,5 @@
 // libFuzzer target: option files and option strings (see
-// tests/opt/option_file_fuzz_body.hpp).  Seed corpus: tests/opt/corpus/option_file.
+// tests/opt/option_file_fuzz_body.hpp).  Seed corpus: tests/data/opt/corpus/option_file.
 #include "opt/option_file_fuzz_body.hpp"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {

@@ -1,5 +1,5 @@
 // libFuzzer target: the sparse SDPA reader of e04rd (see
-// tests/opt/sdpa_fuzz_body.hpp).  Seed corpus: tests/opt/corpus/sdpa.
+// tests/opt/sdpa_fuzz_body.hpp).  Seed corpus: tests/data/opt/corpus/sdpa.
 #include "opt/sdpa_fuzz_body.hpp"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {

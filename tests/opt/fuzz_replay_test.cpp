@@ -5,7 +5,7 @@
 #include <set>
 
 #include "opt/option_file_fuzz_body.hpp"
-#include "opt/options_support.hpp"
+#include "support/files.hpp"
 #include "opt/sdpa_fuzz_body.hpp"
 
 namespace {
@@ -15,13 +15,10 @@ using kor::test::outcome_of;
 
 TEST(OptionFileCorpus, ReplaysWithTheOutcomesItsNamesState) {
     using S = kor::opt::FileReading::Status;
-    const std::map<std::string, S> outcomes = {{"ok", S::ok},
-                                               {"no_begin", S::no_begin},
-                                               {"no_end", S::no_end},
-                                               {"no_delimiter", S::no_delimiter},
-                                               {"setting_failed", S::setting_failed}};
+    const std::map<std::string, S> outcomes = {{"ok", S::ok}, {"no_begin", S::no_begin}, {"no_end", S::no_end},
+                                               {"no_delimiter", S::no_delimiter}, {"setting_failed", S::setting_failed}};
     std::set<std::string> seen;
-    for (const auto &[name, data] : corpus("opt/corpus/option_file")) {
+    for (const auto &[name, data] : corpus("data/opt/corpus/option_file")) {
         SCOPED_TRACE(name);
         ASSERT_TRUE(outcomes.count(outcome_of(name)));
         const S got = kor::opt_fuzz::fuzz_option_file(reinterpret_cast<const uint8_t *>(data.data()), data.size());
@@ -40,7 +37,7 @@ TEST(SdpaCorpus, ReplaysWithTheOutcomesItsNamesState) {
         {"size", F::block_size_zero}, {"dimension", F::dimension_overflow}, {"matrix", F::matrix_number},
         {"block", F::block_number}, {"row", F::row_outside}, {"column", F::column_outside},
         {"lower", F::lower_triangle}, {"diagonal", F::off_diagonal}, {"repeated", F::repeated}};
-    const auto files = corpus("opt/corpus/sdpa");
+    const auto files = corpus("data/opt/corpus/sdpa");
     for (const auto &[name, data] : files) {
         SCOPED_TRACE(name);
         ASSERT_TRUE(outcomes.count(outcome_of(name)));

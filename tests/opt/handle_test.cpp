@@ -1,122 +1,107 @@
-// The handle: creation and destruction (e04ra, e04rz), the nine-word header
-// and its validation by every routine, and the phase that refuses changes
-// while a solver runs.
+// The handle's life (e04ra, e04rz), the header every routine validates without following a
+// damaged one, and the solver phase, which refuses changes but allows printing and reading.
 #include <cstring>
 
-#include "opt/handle.hpp"
 #include "opt_support.hpp"
 
 using namespace opt_test;
 
 namespace {
 
-// Calls every routine that takes a handle once, with arguments that would be
-// accepted by a valid handle of 2 variables, and returns what each reported.
-std::vector<std::pair<std::string, Report>> every_routine(Api api, void *h, bool definitions_only) {
-    static const I one = {1}, two = {1, 2}, pair = {1, 2};
-    static const R zero = {0.0}, zeros = {0.0, 0.0}, ones = {1.0, 1.0};
-    std::vector<std::pair<std::string, Report>> out;
+struct Report {
+    std::string routine;
+    const kor::frame::RoutineInfo &info;
+    KorError fail;
+};
+
+// Every routine that takes a handle, once, with arguments a handle of 2 variables accepts in
+// turn; `changes`: only those that change the handle or its options.
+std::vector<Report> every_routine(void *h, bool changes, int64_t unit = -1) {
+    static const I one = {1}, two = {1, 2}, nnza = {0, 1, 0};
+    static const R zero = {0.0, 0.0}, ones = {1.0, 1.0};
+    std::vector<Report> out;
     int64_t id = 0;
-    out.emplace_back("e04rh", rh(api, h, 2, zeros.data(), ones.data()));
-    out.emplace_back("e04re", re(api, h, 2, ones.data()));
-    out.emplace_back("e04rf", rf(api, h, 1, one.data(), zero.data(), 1, one.data(), one.data(), zero.data()));
-    out.emplace_back("e04rg", rg(api, h, 1, one.data()));
-    id = 0;
-    out.emplace_back("e04rj", rj(api, h, 1, zero.data(), zero.data(), 1, one.data(), one.data(), zero.data(), &id));
-    out.emplace_back("e04rk", rk(api, h, 1, zero.data(), zero.data(), 1, one.data(), one.data()));
-    out.emplace_back("e04rl", rl(api, h, -1, 1, one.data(), one.data()));
-    out.emplace_back("e04rm", rm(api, h, 1, 0, 1, one.data(), one.data()));
-    id = 0;
-    out.emplace_back("e04rb", rb(api, h, "QUAD", 2, two.data(), &id));
-    out.emplace_back("e04rc", rc(api, h, "INT", 1, one.data()));
-    {
-        const I nnza = {0, 1, 0}, blk = {1};
-        int64_t idblk = 0;
-        out.emplace_back("e04rn", rn(api, h, 2, 1, nnza.data(), 1, one.data(), one.data(), zero.data(), 1,
-                                     blk.data(), &idblk));
-        out.emplace_back("e04rp", rp(api, h, 1, 1, one.data(), pair.data(), 1, one.data(), 1, one.data(),
-                                     one.data(), zero.data()));
-    }
-    id = 0;
-    out.emplace_back("e04rs", rs(api, h, 0.0, 1, one.data(), zero.data(), 0, one.data(), one.data(),
-                                 zero.data(), -1.0, 1.0, &id));
-    id = 0;
-    out.emplace_back("e04rt", rt(api, h, 0.0, 1, 1, one.data(), one.data(), zero.data(), 0, one.data(),
-                                 zero.data(), -1.0, 1.0, &id));
-    if (!definitions_only) {
+    auto add = [&](const char *name, const kor::frame::RoutineInfo &info, auto call) {
+        KorError f = fresh_error();
+        id = 0;
+        call(&f);
+        out.push_back({name, info, f});
+    };
+    add("e04rh", kor::e04rh::info, [&](KorError *f) { e04rhc(h, 2, zero.data(), ones.data(), f); });
+    add("e04re", kor::e04re::info, [&](KorError *f) { e04rec(h, 2, ones.data(), f); });
+    add("e04rf", kor::e04rf::info, [&](KorError *f) { e04rfc(h, 1, one.data(), zero.data(), 1, one.data(), one.data(), zero.data(), f); });
+    add("e04rg", kor::e04rg::info, [&](KorError *f) { e04rgc(h, 1, one.data(), f); });
+    add("e04rj", kor::e04rj::info, [&](KorError *f) { e04rjc(h, 1, zero.data(), zero.data(), 1, one.data(), one.data(), zero.data(), &id, f); });
+    add("e04rk", kor::e04rk::info, [&](KorError *f) { e04rkc(h, 1, zero.data(), zero.data(), 1, one.data(), one.data(), f); });
+    add("e04rl", kor::e04rl::info, [&](KorError *f) { e04rlc(h, -1, 1, one.data(), one.data(), f); });
+    add("e04rm", kor::e04rm::info, [&](KorError *f) { e04rmc(h, 1, 0, 1, one.data(), one.data(), f); });
+    add("e04rb", kor::e04rb::info, [&](KorError *f) { e04rbc(h, "QUAD", 2, two.data(), &id, f); });
+    add("e04rc", kor::e04rc::info, [&](KorError *f) { e04rcc(h, "INT", 1, one.data(), f); });
+    add("e04rn", kor::e04rn::info, [&](KorError *f) { e04rnc(h, 2, 1, nnza.data(), 1, one.data(), one.data(), zero.data(), 1, one.data(), &id, f); });
+    add("e04rp", kor::e04rp::info, [&](KorError *f) { e04rpc(h, 1, 1, one.data(), two.data(), 1, one.data(), 1, one.data(), one.data(), zero.data(), f); });
+    add("e04rs", kor::e04rs::info, [&](KorError *f) { e04rsc(h, 0.0, 1, one.data(), zero.data(), 0, one.data(), one.data(), zero.data(), -1.0, 1.0, &id, f); });
+    add("e04rt", kor::e04rt::info, [&](KorError *f) { e04rtc(h, 0.0, 1, 1, one.data(), one.data(), zero.data(), 0, one.data(), zero.data(), -1.0, 1.0, &id, f); });
+    add("e04zm", kor::e04zm::info, [&](KorError *f) { e04zmc(h, "Print Level = 3", f); });
+    int64_t i, t;
+    double r;
+    char c[31];
+    add("e04zn", kor::e04zn::info, [&](KorError *f) { e04znc(h, "Print Level", &i, &r, c, sizeof c, &t, f); });
+    add("e04zp", kor::e04zp::info, [&](KorError *f) { e04zpc(h, unit, f); });
+    if (!changes) {
         int64_t iarr[2] = {0, 0};
-        double rarr[2] = {0, 0};
-        out.emplace_back("e04rw", rw(api, h, "XPROP", 0, 2, iarr, 0, rarr));
-        out.emplace_back("e04rx", rx(api, h, "PRIMAL VARIABLES", 0, 2, rarr));
-        out.emplace_back("e04ry", ry(api, h, -1, "OVERVIEW"));
+        double list[6] = {};
+        add("e04rw", kor::e04rw::info, [&](KorError *f) { e04rwc(h, "XPROP", 0, 2, iarr, 0, nullptr, f); });
+        add("e04rx", kor::e04rx::info, [&](KorError *f) { e04rxc(h, "MCS LIST", 1, 6, list, f); });
+        add("e04ry", kor::e04ry::info, [&](KorError *f) { e04ryc(h, -1, "OVERVIEW", f); });
     }
     void *copy = h;
-    out.emplace_back("e04rz", rz(api, &copy));
+    add("e04rz", kor::e04rz::info, [&](KorError *f) { e04rzc(&copy, f); });
     return out;
 }
 
-TEST(Handle, HeaderHoldsTheNineWords) {
-    Handle h(3);
-    const int64_t *w = static_cast<const int64_t *>(h.get());
-    const int64_t expected[8] = {65535, 'T', 'A', 'L', 'V', 'S', 'H', 'L'};
-    for (int i = 0; i < 8; ++i) EXPECT_EQ(w[i], expected[i]) << "word " << i;
-    EXPECT_NE(w[8], 0);
-    kor::opt::Problem *p = nullptr;
-    EXPECT_EQ(kor::opt::check_handle(h.get(), &p), kor::opt::HandleStatus::valid);
-    EXPECT_EQ(reinterpret_cast<intptr_t>(p), w[8]);
+// The report is the routine's exit of that name.
+void expect_named(const Report &r, const std::string &exit) {
+    SCOPED_TRACE(r.routine + " " + exit);
+    const kor::frame::ExitInfo *e = nullptr;
+    for (int i = 0; i < r.info.nexits; ++i)
+        if (exit == r.info.exits[i].name) e = &r.info.exits[i];
+    ASSERT_NE(e, nullptr);
+    std::vector<std::string> values;
+    EXPECT_EQ(r.fail.code, e->code) << r.fail.message;
+    EXPECT_EQ(r.fail.errnum, e->outcome);
+    EXPECT_TRUE(kor::test::match_exit_message(*e, r.fail.message, values)) << r.fail.message;
 }
 
-TEST(Handle, NegativeNvarRefusedAndNoHandleReturned) {
-    for (Api api : both) {
-        void *h = reinterpret_cast<void *>(0x1);
-        const Report r = ra(api, &h, -1);
-        expect_failure(r, "NE_INT:\n  On entry, nvar = -1.\n  Constraint: nvar >= 0.");
-        EXPECT_EQ(h, nullptr);
-    }
-}
-
-TEST(Handle, ZeroVariablesMakeAValidHandle) {
-    for (Api api : both) {
+TEST(Handle, CreatedWithTheNineWordHeaderAndFreedToNull) {
+    for (int64_t nvar : {0, 3}) {
         void *h = nullptr;
-        expect_success(ra(api, &h, 0));
-        ASSERT_NE(h, nullptr);
-        const std::string text = printed(h, "overview");
-        EXPECT_NE(text.find("No of variables:         0"), std::string::npos) << text;
-        expect_success(rz(api, &h));
+        KorError f = fresh_error();
+        e04rac(&h, nvar, &f);
+        expect_success(f);
+        const int64_t *w = static_cast<const int64_t *>(h);
+        EXPECT_EQ(I(w, w + 8), (I{65535, 'T', 'A', 'L', 'V', 'S', 'H', 'L'}));
+        kor::opt::Problem *p = nullptr;
+        EXPECT_EQ(kor::opt::check_handle(h, &p), kor::opt::HandleStatus::valid);
+        EXPECT_EQ(reinterpret_cast<intptr_t>(p), w[8]);
+        EXPECT_EQ(p->nvar, nvar);
+        e04rzc(&h, &f);
+        expect_success(f);
         EXPECT_EQ(h, nullptr);
+        // Every routine reports a freed (null) handle.
+        for (const Report &r : every_routine(h, false)) expect_named(r, "handle_null");
     }
 }
 
-TEST(Handle, CountNoMemoryHoldsFailsWithTheAllocationError) {
-    void *h = nullptr;
-    const Report c = ra(Api::c, &h, INT64_MAX / 2);
-    EXPECT_EQ(c.code, NE_ALLOC_FAIL);
-    EXPECT_EQ(c.message, "NE_ALLOC_FAIL:\n  Dynamic memory allocation failed.");
+TEST(Handle, RefusedCreationsReturnNoHandle) {
+    void *h = reinterpret_cast<void *>(0x1);
+    KorError f = fresh_error();
+    e04rac(&h, -1, &f);
+    EXPECT_EQ(exit_reals<kor::e04ra::Exit::nvar_negative>(kor::e04ra::info, f), (R{-1}));
     EXPECT_EQ(h, nullptr);
-    const Report f = ra(Api::fortran, &h, INT64_MAX / 2);
-    EXPECT_EQ(f.outcome, -999);
-    ASSERT_EQ(f.lines.size(), 1u);
-    EXPECT_EQ(f.lines[0], "** Dynamic memory allocation failed.");
+    h = reinterpret_cast<void *>(0x1);
+    e04rac(&h, INT64_MAX / 2, &f);  // a count no memory holds
+    EXPECT_EQ(f.code, NE_ALLOC_FAIL);
     EXPECT_EQ(h, nullptr);
-}
-
-TEST(Handle, NullHandleReportedByEveryRoutine) {
-    for (Api api : both)
-        for (const auto &[routine, report] : every_routine(api, nullptr, false)) {
-            SCOPED_TRACE(routine);
-            expect_failure(report, handle_null, 1);
-        }
-}
-
-TEST(Handle, FreedHandleIsNullAndALaterCallReportsIt) {
-    for (Api api : both) {
-        void *h = nullptr;
-        expect_success(ra(api, &h, 2));
-        expect_success(rz(api, &h));
-        EXPECT_EQ(h, nullptr);
-        expect_failure(ry(api, h, -1, "OVERVIEW"), handle_null, 1);
-        expect_failure(rz(api, &h), handle_null, 1);
-    }
 }
 
 TEST(Handle, MemoryThatIsNotAHandleDoesNotBelongToTheSuite) {
@@ -124,119 +109,70 @@ TEST(Handle, MemoryThatIsNotAHandleDoesNotBelongToTheSuite) {
     for (int word = 0; word < 5; ++word) {
         int64_t block[9] = {65535, 'T', 'A', 'L', 'V', 'S', 'H', 'L', 0};
         block[word] ^= 1;
-        for (Api api : both)
-            for (const auto &[routine, report] : every_routine(api, block, false)) {
-                SCOPED_TRACE(routine + " word " + std::to_string(word));
-                expect_failure(report, handle_foreign, 1);
-            }
+        for (const Report &r : every_routine(block, false)) expect_named(r, "handle_foreign");
     }
-    // Text in place of a header.
     char text[128] = "this is not an optimization handle";
-    for (Api api : both) expect_failure(ry(api, text, -1, "OVERVIEW"), handle_foreign, 1);
+    for (const Report &r : every_routine(text, false)) expect_named(r, "handle_foreign");
 }
 
 TEST(Handle, CorruptedHeaderIsReportedWithoutFollowingItsPointer) {
     Handle live(2);
     const int64_t *w = static_cast<const int64_t *>(live.get());
-    struct Case {
-        const char *what;
-        int word;
-        int64_t value;
-    };
-    // An address that faults if read: the data word must not be followed
-    // unless it names live problem data.
-    const int64_t unmapped = 16;
-    const Case cases[] = {{"kind tag S", 5, 'X'}, {"kind tag H", 6, 0}, {"kind tag L", 7, 77},
-                          {"null data", 8, 0},    {"unmapped data", 8, unmapped},
-                          {"data of another handle's header", 8, w[8] + 8}};
-    for (const Case &c : cases) {
+    const std::string before = state(live);
+    // Data words that fault if read (16), or name no live handle's data, are not followed.
+    const std::pair<int, int64_t> damages[] = {{5, 'X'}, {6, 0}, {7, 77}, {8, 0}, {8, 16}, {8, w[8] + 8}, {8, w[8]}};
+    for (const auto &[word, value] : damages) {
+        SCOPED_TRACE("word " + std::to_string(word) + " = " + std::to_string(value));
         int64_t block[9];
         std::memcpy(block, w, sizeof block);
-        block[c.word] = c.value;
-        for (Api api : both)
-            for (const auto &[routine, report] : every_routine(api, block, false)) {
-                SCOPED_TRACE(routine + std::string(" ") + c.what);
-                expect_failure(report, handle_corrupted, 1);
-            }
+        block[word] = value;  // the last: a copy of a valid header is not the handle
+        for (const Report &r : every_routine(block, false)) expect_named(r, "handle_corrupted");
     }
-    // A copy of a valid header is not the handle: its data belong to another.
-    int64_t copy[9];
-    std::memcpy(copy, w, sizeof copy);
-    for (Api api : both) expect_failure(ry(api, copy, -1, "OVERVIEW"), handle_corrupted, 1);
-    // The live handle is untouched by all this.
-    for (Api api : both) expect_success(ry(api, live.get(), -1, "OVERVIEW"));
+    EXPECT_EQ(state(live), before);
 }
 
-TEST(Handle, SolverPhaseRefusesEveryDefinitionAndTheFree) {
+TEST(Handle, SolverPhaseRefusesEveryChangeButPrintingAndReading) {
     Handle h(2);
-    kor::opt::Problem *p = nullptr;
-    ASSERT_EQ(kor::opt::check_handle(h.get(), &p), kor::opt::HandleStatus::valid);
-    const std::string before = printed(h.get(), "overview, simple bounds, objective");
+    ScratchDir dir;
+    write_file(dir.file("o.txt"), "Begin\nPrint Level = 4\nEnd\n");
+    const int64_t unit = open_unit(dir.file("o.txt"), 0);
+    const std::string before = printed(h.get(), "$DUMP$ALL$");
     {
-        kor::opt::SolverPhase phase(*p);
-        EXPECT_TRUE(kor::opt::solver_running(*p));
-        for (Api api : both)
-            for (const auto &[routine, report] : every_routine(api, h.get(), true)) {
-                SCOPED_TRACE(routine);
-                expect_failure(report, solver_running, 2);
-            }
-        // Printing and reading stay allowed, for a solver's monitors.
-        const std::string during = printed(h.get(), "overview");
-        EXPECT_NE(during.find("Status:                  Problem is being solved, no changes allowed."),
-                  std::string::npos)
-            << during;
+        kor::opt::SolverPhase phase(h.problem());
+        for (const Report &r : every_routine(h.get(), true, unit))
+            expect_named(r, r.routine[3] == 'z' ? "options_locked" : "solver_running");
+        KorError f = fresh_error();
+        // Writing data is refused; printing and reading are allowed, for a solver's monitors.
         int64_t props[2];
-        double none[1];
-        for (Api api : both) {
-            expect_success(rw(api, h.get(), "XPROP", 0, 2, props, 0, none));
-            expect_failure(rw(api, h.get(), "XPROP", 1, 2, props, 0, none),
-                           "NE_PHASE:\n  The request cannot be processed at this phase.", 2);
-        }
+        double list[6] = {};
+        e04rwc(h.get(), "XPROP", 1, 2, props, 0, nullptr, &f);
+        expect_exit(kor::e04rw::info, want<kor::e04rw::Exit::phase_forbids>(), f);
+        e04rxc(h.get(), "MCS LIST", 1, 6, list, &f);
+        expect_exit(kor::e04rx::info, want<kor::e04rx::Exit::phase_forbids>(), f);
+        e04rwc(h.get(), "XPROP", 0, 2, props, 0, nullptr, &f);
+        expect_success(f);
+        const std::string during = printed(h.get(), "overview");
+        EXPECT_NE(during.find("Problem is being solved, no changes allowed."), std::string::npos) << during;
     }
-    EXPECT_FALSE(kor::opt::solver_running(*p));
-    // Nothing changed while the solver ran.
-    EXPECT_EQ(printed(h.get(), "overview, simple bounds, objective"), before);
+    // Nothing changed while the solver ran, not even the unit's position.
+    EXPECT_EQ(printed(h.get(), "$DUMP$ALL$"), before);
+    KorError f = fresh_error();
+    e04zpc(h.get(), unit, &f);
+    close_unit(unit);
+    EXPECT_EQ(h.store().get(kor::opt::slot::print_level), 4);
     const R lo = {0, 0}, hi = {1, 1};
-    for (Api api : both) expect_success(rh(api, h.get(), 2, lo.data(), hi.data()));
+    e04rhc(h.get(), 2, lo.data(), hi.data(), &f);
+    expect_success(f);
 }
 
 TEST(Handle, DistinctHandlesShareNoState) {
     Handle a(2), b(3);
-    const R lo = {0, 0}, hi = {1, 1};
-    expect_success(rh(Api::c, a.get(), 2, lo.data(), hi.data()));
-    EXPECT_NE(printed(a.get(), "overview").find("Simple bounds:           defined"), std::string::npos);
-    EXPECT_NE(printed(b.get(), "overview").find("Simple bounds:           not defined"), std::string::npos);
-    kor::opt::Problem *p = nullptr;
-    kor::opt::check_handle(a.get(), &p);
-    kor::opt::SolverPhase phase(*p);
-    const R lo3 = {0, 0, 0}, hi3 = {1, 1, 1};
-    expect_success(rh(Api::c, b.get(), 3, lo3.data(), hi3.data()));
-}
-
-TEST(Handle, NullHandleAddressRefusedByTheCInterface) {
-    KorError e = KOR_ERROR_INIT;
-    e04rac(nullptr, 2, &e);
-    EXPECT_EQ(e.code, NE_BAD_PARAM);
-    EXPECT_EQ(std::string(e.message), "NE_BAD_PARAM:\n  On entry, parameter handle had an illegal value.");
-    e04rzc(nullptr, &e);
-    EXPECT_EQ(e.code, NE_BAD_PARAM);
-}
-
-TEST(Handle, LongNamesAreTheSameRoutines) {
-    KorError e = KOR_ERROR_INIT;
-    void *h = nullptr;
-    kor_opt_handle_init(&h, 2, &e);
-    ASSERT_EQ(e.code, 0);
-    const double lo[2] = {0, 0}, hi[2] = {1, 5};
-    kor_opt_handle_set_simplebounds(h, 2, lo, hi, &e);
-    EXPECT_EQ(e.code, 0);
-    kor_opt_handle_set_simplebounds(h, 3, lo, hi, &e);
-    EXPECT_EQ(std::string(e.message),
-              "NE_REF_MATCH:\n  On entry, nvar = 3, expected value = 2.\n  Constraint: nvar must match the "
-              "current number of variables of the model in the handle.");
-    kor_opt_handle_free(&h, &e);
-    EXPECT_EQ(e.code, 0);
-    EXPECT_EQ(h, nullptr);
+    const R lo = {0, 0, 0}, hi = {1, 1, 1};
+    KorError f = fresh_error();
+    kor::opt::SolverPhase phase(a.problem());
+    e04rhc(b.get(), 3, lo.data(), hi.data(), &f);
+    expect_success(f);
+    EXPECT_FALSE(a.problem().bounds.has_value());
 }
 
 }  // namespace

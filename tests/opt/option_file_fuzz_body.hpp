@@ -16,38 +16,23 @@
 #include "frame/units.hpp"
 #include "kor.h"
 #include "opt/options.hpp"
+#include "opt/sdpa.hpp"
 
 namespace kor::opt_fuzz {
 
-// Lines as read_record gives them: split at '\n', a '\r' before it dropped,
-// a last line without '\n' kept.
+// The input's lines as the unit reader gives them (the SDPA reader's
+// splitting of a buffer is the same).
 inline std::vector<std::string> split_lines(const uint8_t *data, size_t size) {
+    opt::sdpa::MemoryLines source(std::string_view(reinterpret_cast<const char *>(data), size));
     std::vector<std::string> lines;
-    std::string line;
-    for (size_t i = 0; i < size; ++i) {
-        if (data[i] == '\n') {
-            if (!line.empty() && line.back() == '\r') line.pop_back();
-            lines.push_back(line);
-            line.clear();
-        } else {
-            line.push_back(char(data[i]));
-        }
-    }
-    if (!line.empty()) {
-        if (line.back() == '\r') line.pop_back();
-        lines.push_back(line);
-    }
+    for (std::string line; source.next(line) == opt::sdpa::LineSource::Status::ok;) lines.push_back(line);
     return lines;
 }
 
 class Lines : public opt::LineSource {
 public:
     explicit Lines(const std::vector<std::string> &lines) : lines_(lines) {}
-    bool next(std::string &line) override {
-        if (next_ == lines_.size()) return false;
-        line = lines_[next_++];
-        return true;
-    }
+    bool next(std::string &line) override { return next_ < lines_.size() && (line = lines_[next_++], true); }
 
 private:
     const std::vector<std::string> &lines_;
