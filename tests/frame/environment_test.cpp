@@ -25,6 +25,10 @@ double x07baf_(const int64_t *sign);
 double x07bbf_(const int64_t *kind);
 void x07caf_(int64_t *exmode);
 void x07cbf_(const int64_t *exmode);
+void x02aken_(double *), x02bjen_(int64_t *), x02bken_(int64_t *), x02blen_(int64_t *), x02bezn_(int64_t *);
+void x02eayn_(const double *, const double *, int64_t *), x02eaym_(const float *, const float *, int64_t *);
+void x02eazn_(const double *, int64_t *), x02eazm_(const float *, int64_t *);
+void x02zawn_(const double *, const double *, double *);
 }
 
 namespace {
@@ -77,6 +81,36 @@ TEST(frameEnvironment, MachineConstantsThroughEveryEntry) {
         EXPECT_EQ(c.c(), c.expected);
         EXPECT_EQ(c.f(), c.expected);
         if (c.lng) { EXPECT_EQ(c.lng(), c.expected); }
+    }
+}
+
+// The engines' single-precision companions are IEEE binary32's; the
+// comparison helpers call a NaN unequal to everything, itself included.
+TEST(frameEnvironment, SinglePrecisionCompanionsAndComparisonHelpers) {
+    double smallest;
+    int64_t digits, min_exp, max_exp, decimal;
+    x02aken_(&smallest), x02bjen_(&digits), x02bken_(&min_exp), x02blen_(&max_exp), x02bezn_(&decimal);
+    EXPECT_EQ(smallest, double(FLT_MIN));
+    const std::array<int64_t, 4> got{digits, min_exp, max_exp, decimal}, binary32{FLT_MANT_DIG, FLT_MIN_EXP, FLT_MAX_EXP, 16};
+    EXPECT_EQ(got, binary32);
+    for (const double a : {0.0, -0.0, 1.5, double(NAN), HUGE_VAL}) {
+        for (const double b : {0.0, 1.5, double(NAN)}) {
+            const float af = float(a), bf = float(b);
+            int64_t unequal = -1, unequal_single = -1;
+            x02eayn_(&a, &b, &unequal);
+            x02eaym_(&af, &bf, &unequal_single);
+            EXPECT_EQ(unequal, a == b ? 0 : 1);
+            EXPECT_EQ(unequal_single, unequal);
+            double sum;
+            x02zawn_(&a, &b, &sum);
+            EXPECT_EQ(bits_of(sum), bits_of(a + b));
+        }
+        const float af = float(a);
+        int64_t is_nan = -1, is_nan_single = -1;
+        x02eazn_(&a, &is_nan);
+        x02eazm_(&af, &is_nan_single);
+        EXPECT_EQ(is_nan, std::isnan(a) ? 1 : 0);
+        EXPECT_EQ(is_nan_single, is_nan);
     }
 }
 
