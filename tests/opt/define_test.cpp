@@ -234,6 +234,7 @@ TEST(E04rb, EveryExit) {
         {[](Group &a) { a.gtype = "R", a.lgroup = 1; }, want<E::rotated_cone_too_small>({1})},
         {[](Group &a) { a.idgroup = 1, a.group = {9, 9}; }, want<E::idgroup_unknown>({1, 0})},
         {[](Group &a) { a.gtype = "Q", a.group = {1, 5}; }, want<E::group_range>({2, 5, 4})},
+        {[](Group &a) { a.gtype = "Q", a.group = {0, 2}; }, want<E::group_range>({1, 0, 4})},
         {[](Group &a) { a.gtype = "R", a.lgroup = 4, a.group = {2, 1, 3, 2}; }, want<E::member_repeated>({4, 2})},
         {[](Group &a) { a.gtype = " quad ", a.lgroup = 0; }, {}},
     }, [](void *h, Group a, KorError *f) { set_group(h, a, f); });
