@@ -310,7 +310,7 @@ TEST(E04rn, EveryExit) {
         {[](Lmi &m) { m.nnzasum = 3, m.blk = {3, 0}; }, want<E::nnzasum_small>({3, 4})},
         {[](Lmi &m) { m.blk = {3, 0}; }, want<E::blksizea_small>({2, 0})},
         {[](Lmi &m) { m.blk = {1, 1}; }, want<E::blksizea_sum>({2, 3})},
-        {[](Lmi &m) { m.irow[2] = 4; }, want<E::irowa_range>({1, 3, 4, 3})},
+        {[](Lmi &m) { m.irow[1] = 4; }, want<E::irowa_range>({1, 2, 4, 3})},
         {[](Lmi &m) { m.icol[0] = 0; }, want<E::icola_range>({0, 1, 0, 3})},
         {[](Lmi &m) { m.irow[3] = 3, m.icol[3] = 2; }, want<E::irowa_below_diagonal>({2, 4, 3, 2})},
         {[](Lmi &m) { m.irow[2] = 2, m.icol[2] = 3; }, want<E::outside_blocks>({1, 3, 2, 3, 2})},
