@@ -182,6 +182,7 @@ TEST(frameRecordParser, FieldsOfWellFormedAndMalformedRecords) {
         "1\x01" "1001\x01" "1\x01" "2.0\x01",     // first character not the mark
         "\x01" "1\x01" "1001\x01" "1\x01" "2.0",  // last non-blank not the mark
         "\x01" "1\x01" "10x1\x01" "0\x01",        // message not a number
+        "\x01" "1\x01" "1001\x01",                // no count
     };
     for (const char *c : malformed) {
         SCOPED_TRACE(testing::PrintToString(std::string(c)));
