@@ -58,6 +58,9 @@ public:
                  KorPrintFh print)
         : ctx_(ctx), fn_(fn), adapter_(adapter), u1_(u1), u2_(u2), print_(print) {}
 
+    // False for an optional function the caller left out (a null pointer).
+    bool present() const { return fn_ != nullptr; }
+
     template <class... Args>
     auto operator()(Args... args) {
         typename Kind::Call call{args...};

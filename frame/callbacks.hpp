@@ -75,4 +75,43 @@ struct VectorOfVector {
     }
 };
 
+// void monit(void *handle, const double rinfo[], const double stats[],
+//            int64_t *inform, Kor_Comm *comm)
+//   /  subroutine monit(handle, rinfo, stats, inform, iuser, ruser)
+// A solver's monitor: it sees the handle being solved and the solver's
+// current measures and counts, and sets inform negative to stop the solve.
+struct Monitor {
+    static constexpr int64_t info_size = 100;
+    struct Call {
+        void *handle = nullptr;
+        const double *rinfo = nullptr;
+        const double *stats = nullptr;
+        int64_t inform = 0;
+    };
+    using CFunction = void (*)(void *, const double *, const double *, int64_t *, Kor_Comm *);
+    // Fortran passes the handle by reference, as every routine of the suite takes it.
+    using FortranFunction = void (*)(void *const *, const double *, const double *, int64_t *,
+                                     int64_t *, double *);
+
+    static int64_t result(const Call &call) { return call.inform; }
+
+    static void call_c(KorUserFn fn, CallbackContext *, void *call, void *u1, void *) {
+        auto *request = static_cast<Call *>(call);
+        reinterpret_cast<CFunction>(fn)(request->handle, request->rinfo, request->stats,
+                                        &request->inform, static_cast<Kor_Comm *>(u1));
+    }
+    static void call_fortran(KorUserFn fn, CallbackContext *, void *call, void *u1, void *u2) {
+        auto *request = static_cast<Call *>(call);
+        reinterpret_cast<FortranFunction>(fn)(&request->handle, request->rinfo, request->stats,
+                                              &request->inform, static_cast<int64_t *>(u1),
+                                              static_cast<double *>(u2));
+    }
+    static void trace(const char *label, const char *moment, const Call &call, void *u1, void *u2) {
+        write_trace(label, moment,
+                    {trace_address("handle", call.handle), trace_array("rinfo", call.rinfo, info_size),
+                     trace_array("stats", call.stats, info_size), trace_value("inform", &call.inform),
+                     trace_address("iuser", u1), trace_address("ruser", u2)});
+    }
+};
+
 }  // namespace kor::frame

@@ -450,4 +450,18 @@ bool print_options(const OptionStore &store, int64_t unit, bool include_defaults
     return ok;
 }
 
+bool print_solver_options(const OptionStore &store, int64_t unit, const std::vector<int> &listed,
+                          const std::vector<int> &unused) {
+    bool ok = frame::units::write_record(unit, "Begin of Options");
+    auto line = [&](int i, const char *note) {
+        const Origin o = store.origin(i);
+        const char mark = o == Origin::by_default ? 'd' : o == Origin::by_caller ? 'U' : 'S';
+        ok = ok && frame::units::write_record(
+                       unit, listing_line(row(i).display, option_value_text(store, i), mark) + note);
+    };
+    for (int i : listed) line(i, "");
+    for (int i : unused) line(i, "   (no effect in this solver)");
+    return ok && frame::units::write_record(unit, "End of Options");
+}
+
 }  // namespace kor::opt

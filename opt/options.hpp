@@ -176,4 +176,9 @@ FileReading read_option_block(OptionStore &store, LineSource &source, int64_t fi
 // false when a record could not be written.
 bool print_options(const OptionStore &store, int64_t unit, bool include_defaults);
 
+// A solver's listing ('Print Options'): the options it reads (registry
+// rows), then those of its group it accepts but has no use for, marked so.
+bool print_solver_options(const OptionStore &store, int64_t unit, const std::vector<int> &listed,
+                          const std::vector<int> &unused);
+
 }  // namespace kor::opt

@@ -3,7 +3,8 @@
 # packages first (as root, or through sudo).
 set -euo pipefail
 top=$(cd "$(dirname "$0")/.." && pwd)
-bash "$top/tools/ensure_packages.sh" cmake ninja-build g++ gfortran python3 pkg-config
+bash "$top/tools/ensure_packages.sh" cmake ninja-build g++ gfortran python3 pkg-config \
+  coinor-libclp-dev
 cmake -S "$top" -B "$top/build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DKOR_BUILD_EXAMPLES=ON
 cmake --build "$top/build"
 for example in "$top"/build/examples/*; do

@@ -6,6 +6,7 @@
 set -euo pipefail
 top=$(cd "$(dirname "$0")/.." && pwd)
 bash "$top/tools/ensure_packages.sh" cmake ninja-build g++ gfortran python3 pkg-config binutils \
+  coinor-libclp-dev \
   googletest libgtest-dev libbenchmark-dev libgsl-dev libboost-dev python3-mpmath
 jobs=$(nproc)
 
