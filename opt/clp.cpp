@@ -67,6 +67,10 @@ private:
     MonitorCalls *calls_;
 };
 
+double seconds_since(std::chrono::steady_clock::time_point started) {
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - started).count();
+}
+
 int scaling_mode(int64_t code) {
     switch (code) {
     case 1: return 0;  // NONE
@@ -136,10 +140,38 @@ LpResult solve_lp(const LpModel &model, const LpSettings &settings, MonitorCalls
     try {
         clp.initialSolve(how);
         status = clp.status();
+        // Clp's barrier can call an unbounded problem solved, and runs into
+        // its own iteration cap on an infeasible one: a barrier result is
+        // confirmed by the primal simplex from the point it reached, which
+        // costs no iterations when the point is optimal.  Without crossover
+        // the confirmation runs on a copy, so the interior point is kept.
+        const bool settled = status == 1 || status == 2 || status == 5 || calls.stopped();
+        if (settings.method != LpMethod::simplex && !settled) {
+            clp.setMaximumSeconds(settings.time_limit - seconds_since(started));
+            // A barrier run off towards infinity ends at a huge point that
+            // the simplex from there takes for optimal: such a point is
+            // checked from a slack basis instead.
+            const double *x = clp.primalColumnSolution();
+            double largest = 0.0;
+            for (int64_t j = 0; j < model.ncol; ++j) largest = std::max(largest, std::fabs(x[j]));
+            if (largest >= 1e-4 * settings.infinite_bound) {
+                ClpSimplex copy(clp);
+                copy.allSlackBasis(true);
+                copy.primal();
+                status = copy.status();
+            } else if (settings.crossover || status != 0) {
+                clp.primal(1);
+                status = clp.status();
+            } else {
+                ClpSimplex copy(clp);
+                copy.primal(1);
+                if (copy.status() != 0) status = copy.status();
+            }
+        }
     } catch (const CoinError &) {
         status = 4;
     }
-    r.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - started).count();
+    r.seconds = seconds_since(started);
     r.user_exception = calls.exception();
 
     switch (status) {

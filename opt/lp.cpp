@@ -171,6 +171,7 @@ LpSettings lp_settings(const OptionStore &o, LpMethod method, std::vector<int> &
     LpSettings s;
     s.method = method;
     s.time_limit = o.get(slot::time_limit);
+    s.infinite_bound = o.get(slot::infinite_bound_size);
     const int64_t print_level = o.get(slot::print_level);
     s.log_unit = print_level >= 3 ? o.get(slot::print_file) : -1;
     s.crossover = o.code(slot::simplex_run_crossover) == 1;
@@ -226,10 +227,9 @@ LpSettings lp_settings(const OptionStore &o, LpMethod method, std::vector<int> &
     return s;
 }
 
-const char *too_large_for_engine(const LpModel &model, int64_t &size) {
+const char *too_large_for_engine(int64_t nvar, int64_t nclin, int64_t nnz, int64_t &size) {
     struct Size { const char *what; int64_t size; };
-    for (const Size s : {Size{"nvar", model.ncol}, Size{"nclin", model.nrow},
-                         Size{"nnz", int64_t(model.value.size())}})
+    for (const Size s : {Size{"nvar", nvar}, Size{"nclin", nclin}, Size{"nnz", nnz}})
         if (s.size > INT_MAX) return size = s.size, s.what;
     return nullptr;
 }

@@ -106,6 +106,7 @@ struct LpSettings {
     bool presolve = true;
     int64_t iteration_limit = 0;
     double time_limit = 0.0;
+    double infinite_bound = 1e20;  // 'Infinite Bound Size'
     double primal_tolerance = 0.0, dual_tolerance = 0.0;  // 0: the engine's own
     int64_t scaling = 0;      // keyword code of 'Simplex Scale Strat' (0 AUTO)
     int64_t random_seed = 0;
@@ -129,9 +130,9 @@ LpResult solve_lp(const LpModel &model, const LpSettings &settings, MonitorCalls
 double primal_violation(const LpModel &model, const std::vector<double> &x);
 double dual_residual(const LpModel &model, const std::vector<double> &u);
 
-// The 32-bit engines' limit: the name of the first size above INT_MAX
-// (with the size), or null.
-const char *too_large_for_engine(const LpModel &model, int64_t &size);
+// The 32-bit engines' limit: the name of the first of the sizes above
+// INT_MAX (and the size), or null.  Checked before the model is built.
+const char *too_large_for_engine(int64_t nvar, int64_t nclin, int64_t nnz, int64_t &size);
 
 // The solver's lines on the 'Print File' unit: the problem's size and its
 // options at the start, the status and measures at the end.
@@ -149,12 +150,12 @@ void run_lp_solver(frame::Record &rec, void *handle, Problem &p, int64_t nvar, d
     if (nvar != p.nvar) return rec.raise<typename Exit::nvar_mismatch>(nvar, p.nvar);
     const int64_t nu_full = p.nvar + p.linear.rows();
     if (nu != 0 && nu != nu_full) return rec.raise<typename Exit::nu_invalid>(nu, nu_full);
+    int64_t size = 0;
+    if (const char *what = too_large_for_engine(p.nvar, p.linear.rows(), int64_t(p.linear.b.size()), size))
+        return rec.raise<typename Exit::too_large>(std::string_view(what), size, int64_t(INT_MAX));
     LpModel model;
     if (translate(p, method == LpMethod::branch_and_bound, model) != LpShape::linear)
         return rec.raise<typename Exit::setup_error>();
-    int64_t size = 0;
-    if (const char *what = too_large_for_engine(model, size))
-        return rec.raise<typename Exit::too_large>(std::string_view(what), size, int64_t(INT_MAX));
 
     std::vector<int> listed, unused;
     const LpSettings settings = lp_settings(*p.options, method, listed, unused);
