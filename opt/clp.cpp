@@ -25,8 +25,6 @@ namespace kor::opt {
 
 namespace {
 
-constexpr int keep_default = -1;
-
 int clamp_int(int64_t v) { return int(std::min<int64_t>(std::max<int64_t>(v, 0), INT_MAX)); }
 
 double engine_bound(double v) {
@@ -67,17 +65,16 @@ private:
     MonitorCalls *calls_;
 };
 
-double seconds_since(std::chrono::steady_clock::time_point started) {
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - started).count();
-}
-
-int scaling_mode(int64_t code) {
-    switch (code) {
-    case 1: return 0;  // NONE
-    case 2: return 2;  // EQUILIBRATION: geometric-mean passes
-    case 3: return 1;  // MAX VALUE: by the largest element
-    default: return 3;  // AUTO
+// Clp's scaling modes: 0 off, 1 equilibrium (by the largest element),
+// 2 geometric, 3 its own choice.
+int scaling_mode(LpScaling scaling) {
+    switch (scaling) {
+    case LpScaling::none: return 0;
+    case LpScaling::by_largest_element: return 1;
+    case LpScaling::geometric: return 2;
+    case LpScaling::automatic: return 3;
     }
+    return 3;
 }
 
 }  // namespace
@@ -130,7 +127,6 @@ LpResult solve_lp(const LpModel &model, const LpSettings &settings, MonitorCalls
         how.setSolveType(settings.primal ? ClpSolve::usePrimal : ClpSolve::useDual);
         break;
     case LpMethod::interior_point:
-    case LpMethod::branch_and_bound:
         how.setSolveType(settings.crossover ? ClpSolve::useBarrier : ClpSolve::useBarrierNoCross);
         break;
     }

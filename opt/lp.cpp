@@ -23,7 +23,7 @@ double upper_of(double v, double big) { return v >= big ? infinity : v; }
 
 }  // namespace
 
-LpShape translate(const Problem &p, bool allow_integer, LpModel &model) {
+bool translate(const Problem &p, LpModel &model) {
     const Objective &o = p.objective;
     const bool linear_objective =
         o.kind == ObjectiveKind::none || o.kind == ObjectiveKind::linear ||
@@ -32,8 +32,8 @@ LpShape translate(const Problem &p, bool allow_integer, LpModel &model) {
     for (const VariableProperty &v : p.properties)
         integers = integers || v.integrality != Integrality::continuous;
     if (!linear_objective || p.nonlinear.defined || !p.hessians.empty() || !p.cones.empty() ||
-        !p.quadratic.empty() || !p.matrices.empty() || (integers && !allow_integer))
-        return LpShape::not_linear;
+        !p.quadratic.empty() || !p.matrices.empty() || integers)
+        return false;
 
     const double big = infinite_bound(p);
     const int64_t n = p.nvar, m = p.linear.rows();
@@ -59,19 +59,6 @@ LpShape translate(const Problem &p, bool allow_integer, LpModel &model) {
             model.col_upper[size_t(j)] = upper_of(p.bounds->second[size_t(j)], big);
         }
     }
-    model.integer.clear();
-    if (integers) {
-        model.integer.assign(size_t(n), false);
-        for (int64_t j = 0; j < n; ++j) {
-            const Integrality kind = p.properties[size_t(j)].integrality;
-            model.integer[size_t(j)] = kind != Integrality::continuous;
-            if (kind == Integrality::binary) {
-                model.col_lower[size_t(j)] = std::max(model.col_lower[size_t(j)], 0.0);
-                model.col_upper[size_t(j)] = std::min(model.col_upper[size_t(j)], 1.0);
-            }
-        }
-    }
-
     model.row_lower.resize(size_t(m));
     model.row_upper.resize(size_t(m));
     for (int64_t i = 0; i < m; ++i) {
@@ -95,7 +82,7 @@ LpShape translate(const Problem &p, bool allow_integer, LpModel &model) {
     }
     if (model.maximize)
         for (double &c : model.cost) c = -c;
-    return LpShape::linear;
+    return true;
 }
 
 double primal_violation(const LpModel &model, const std::vector<double> &x) {
@@ -125,16 +112,9 @@ double dual_residual(const LpModel &model, const std::vector<double> &u) {
     return worst;
 }
 
-namespace {
-
-double now_seconds() {
-    return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
-}
-
-}  // namespace
-
 MonitorCalls::MonitorCalls(Monitor &monit, void *handle, int64_t frequency, const LpModel &model)
-    : monit_(monit), handle_(handle), frequency_(frequency), model_(model), started_(now_seconds()) {}
+    : monit_(monit), handle_(handle), frequency_(frequency), model_(model),
+      started_(std::chrono::steady_clock::now()) {}
 
 bool MonitorCalls::at_iteration(int64_t iterations, double objective, double primal_infeasibility,
                                 double dual_infeasibility) {
@@ -145,7 +125,7 @@ bool MonitorCalls::at_iteration(int64_t iterations, double objective, double pri
     rinfo[1] = primal_infeasibility;
     rinfo[2] = dual_infeasibility;
     stats[0] = double(iterations);
-    stats[1] = now_seconds() - started_;
+    stats[1] = seconds_since(started_);
     try {
         if (monit_(handle_, rinfo, stats) < 0) stopped_ = true;
     } catch (...) {
@@ -183,7 +163,10 @@ LpSettings lp_settings(const OptionStore &o, LpMethod method, std::vector<int> &
         s.iteration_limit = o.get(slot::simplex_iteration_limit);
         s.primal_tolerance = o.get(slot::simplex_primal_feasibility_tol);
         s.dual_tolerance = o.get(slot::simplex_dual_feasibility_tol);
-        s.scaling = o.code(slot::simplex_scale_strat);
+        // AUTO, NONE, EQUILIBRATION, MAX VALUE
+        constexpr LpScaling scalings[] = {LpScaling::automatic, LpScaling::none, LpScaling::geometric,
+                                          LpScaling::by_largest_element};
+        s.scaling = scalings[o.code(slot::simplex_scale_strat)];
         s.random_seed = o.get(slot::simplex_random_seed);
         s.factorization_frequency = o.get(slot::simplex_update_limit);
         s.dual_pricing = int(o.code(slot::simplex_dedge_weight_strat));
@@ -199,7 +182,9 @@ LpSettings lp_settings(const OptionStore &o, LpMethod method, std::vector<int> &
     } else {
         s.presolve = o.code(slot::lp_presolve) != 0;
         s.iteration_limit = o.get(slot::lpipm_iteration_limit);
-        s.scaling = o.code(slot::lpipm_scaling) == 0 ? 1 : o.code(slot::lpipm_scaling) == 2 ? 2 : 3;
+        // NONE, ARITHMETIC, GEOMETRIC
+        constexpr LpScaling scalings[] = {LpScaling::none, LpScaling::automatic, LpScaling::geometric};
+        s.scaling = scalings[o.code(slot::lpipm_scaling)];
         s.primal_tolerance = o.get(slot::lpipm_stop_tolerance);
         s.dual_tolerance = o.get(slot::lpipm_stop_tolerance);
         s.monitor_frequency = o.get(slot::lpipm_monitor_frequency);

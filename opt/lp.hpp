@@ -1,15 +1,14 @@
 // Linear programs on the handle: the translation of a handle's problem into
 // the column-compressed form LP engines take, and the solve that the LP
-// solvers (e04mk simplex, e04mt interior point) and the mixed-integer
-// solver share.
+// solvers (e04mk simplex, e04mt interior point) share.
 #pragma once
 
 #include <algorithm>
+#include <chrono>
 #include <climits>
 #include <cstdint>
-#include <string_view>
 #include <exception>
-#include <string>
+#include <string_view>
 #include <vector>
 
 #include "frame/adapters.hpp"
@@ -32,19 +31,21 @@ struct LpModel {
     // The caller's sense: the model is always a minimization, of -c'x for
     // a maximization, and results are turned back.
     bool maximize = false;
-    std::vector<bool> integer;  // empty unless some variable is integer or binary
 };
 
-// Why a handle's problem is not a linear program (or a mixed-integer one
-// when integers are allowed).
-enum class LpShape { linear, not_linear };
-
-// Fills the model from the handle; O(nvar + nclin + nnz).  Binary
-// variables get the bounds [max(bl, 0), min(bu, 1)].
-LpShape translate(const Problem &p, bool allow_integer, LpModel &model);
+// Fills the model from the handle, O(nvar + nclin + nnz); false when the
+// handle holds more than a linear program.
+bool translate(const Problem &p, LpModel &model);
 
 // What the engine is asked to do.
-enum class LpMethod { simplex, interior_point, branch_and_bound };
+enum class LpMethod { simplex, interior_point };
+
+// Scaling of the matrix before the solve.
+enum class LpScaling { automatic, none, geometric, by_largest_element };
+
+inline double seconds_since(std::chrono::steady_clock::time_point started) {
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - started).count();
+}
 
 // How a solve ended.
 enum class LpEnd {
@@ -63,8 +64,7 @@ struct LpResult {
     std::vector<double> u;       // ncol reduced costs, then nrow row multipliers
     double objective = 0.0;      // in the caller's sense, with the constant
     double primal_infeasibility = 0.0, dual_infeasibility = 0.0;  // as the engine sums them
-    int64_t iterations = 0, crossover_iterations = 0, nodes = 0;
-    double best_bound = 0.0;     // branch and bound: the bound on the optimum
+    int64_t iterations = 0;
     double seconds = 0.0;
     bool has_point = false;      // x and u hold an iterate
     std::exception_ptr user_exception;  // the monitor's own, rethrown after the engine returned
@@ -93,7 +93,7 @@ private:
     void *handle_;
     int64_t frequency_;
     const LpModel &model_;
-    double started_;
+    std::chrono::steady_clock::time_point started_;
     bool stopped_ = false;
     std::exception_ptr exception_;
 };
@@ -108,7 +108,7 @@ struct LpSettings {
     double time_limit = 0.0;
     double infinite_bound = 1e20;  // 'Infinite Bound Size'
     double primal_tolerance = 0.0, dual_tolerance = 0.0;  // 0: the engine's own
-    int64_t scaling = 0;      // keyword code of 'Simplex Scale Strat' (0 AUTO)
+    LpScaling scaling = LpScaling::automatic;
     int64_t random_seed = 0;
     int64_t factorization_frequency = 0;
     int dual_pricing = -1, primal_pricing = -1;  // -1 auto, 0 Dantzig, 1 devex, 2 steepest edge
@@ -154,8 +154,7 @@ void run_lp_solver(frame::Record &rec, void *handle, Problem &p, int64_t nvar, d
     if (const char *what = too_large_for_engine(p.nvar, p.linear.rows(), int64_t(p.linear.b.size()), size))
         return rec.raise<typename Exit::too_large>(std::string_view(what), size, int64_t(INT_MAX));
     LpModel model;
-    if (translate(p, method == LpMethod::branch_and_bound, model) != LpShape::linear)
-        return rec.raise<typename Exit::setup_error>();
+    if (!translate(p, model)) return rec.raise<typename Exit::setup_error>();
 
     std::vector<int> listed, unused;
     const LpSettings settings = lp_settings(*p.options, method, listed, unused);

@@ -405,15 +405,21 @@ std::string option_value_text(const OptionStore &store, int option) {
     return {};
 }
 
+namespace {
+
+// The listing's mark of who set an option: default, user, solver.
+char origin_mark(Origin o) { return o == Origin::by_default ? 'd' : o == Origin::by_caller ? 'U' : 'S'; }
+
+}  // namespace
+
 bool print_options(const OptionStore &store, int64_t unit, bool include_defaults) {
     const bool full = include_defaults;
     bool ok = frame::units::write_record(unit, "Begin of Options");
     for (int i = 0; i < table::option_count && ok; ++i) {
         const Row &r = row(i);
         if (r.hidden && !full) continue;
-        const Origin o = store.origin(i);
-        const char mark = o == Origin::by_default ? 'd' : o == Origin::by_caller ? 'U' : 'S';
-        ok = frame::units::write_record(unit, listing_line(r.display, option_value_text(store, i), mark));
+        ok = frame::units::write_record(
+            unit, listing_line(r.display, option_value_text(store, i), origin_mark(store.origin(i))));
     }
     ok = ok && frame::units::write_record(unit, "End of Options");
     if (ok && !store.solver_choices().empty()) {
@@ -454,10 +460,9 @@ bool print_solver_options(const OptionStore &store, int64_t unit, const std::vec
                           const std::vector<int> &unused) {
     bool ok = frame::units::write_record(unit, "Begin of Options");
     auto line = [&](int i, const char *note) {
-        const Origin o = store.origin(i);
-        const char mark = o == Origin::by_default ? 'd' : o == Origin::by_caller ? 'U' : 'S';
         ok = ok && frame::units::write_record(
-                       unit, listing_line(row(i).display, option_value_text(store, i), mark) + note);
+                       unit, listing_line(row(i).display, option_value_text(store, i),
+                                          origin_mark(store.origin(i))) + note);
     };
     for (int i : listed) line(i, "");
     for (int i : unused) line(i, "   (no effect in this solver)");

@@ -24,7 +24,10 @@ std::vector<Lp> problems() {
     std::vector<Lp> out;
     for (const Row &r : read_table("opt/lp_problems.txt")) {
         const std::string &key = r.text(0);
-        if (key == "problem") out.push_back({r.text(1), r.text(2), r.text(3)});
+        if (key == "problem") {
+            out.emplace_back();
+            out.back().name = r.text(1), out.back().sense = r.text(2), out.back().result = r.text(3);
+        }
         else if (key == "c") out.back().c = r.reals(1);
         else if (key == "bounds") out.back().bl = r.reals(1), out.back().bu = r.reals(2);
         else if (key == "row") {
@@ -68,8 +71,12 @@ void expect_kkt(const Lp &lp, const R &x, const R &u, double tol) {
     auto on_sign = [&](double m, double v, double lo, double hi, const std::string &what) {
         EXPECT_GE(v, lo - tol) << what;
         EXPECT_LE(v, hi + tol) << what;
-        if (sense * m > tol) EXPECT_NEAR(v, lo, tol) << what << " multiplier " << m;
-        if (sense * m < -tol) EXPECT_NEAR(v, hi, tol) << what << " multiplier " << m;
+        if (sense * m > tol) {
+            EXPECT_NEAR(v, lo, tol) << what << " multiplier " << m;
+        }
+        if (sense * m < -tol) {
+            EXPECT_NEAR(v, hi, tol) << what << " multiplier " << m;
+        }
     };
     R grad(size_t(n), 0.0);
     for (size_t i = 0; i < lp.rows.size(); ++i) {
